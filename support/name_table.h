@@ -1,0 +1,40 @@
+// Numbers for names, for the indexes over ports, cells and pins.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace bscan::detail {
+
+// A set of names in which each has a number, from 0 in the order of their coming. The names are
+// copied into one text, so adding one costs no allocation of its own. The hash is seeded anew in
+// each process: a file cannot be written so that its names collide.
+class NameTable {
+public:
+    static constexpr int kNone = -1;
+
+    // The number of a name; kNone when it was never added.
+    int Find(std::string_view name) const;
+    // The number of a name, which is added when it is new.
+    int Add(std::string_view name);
+    int Count() const { return static_cast<int>(entries_.size()); }
+    void Clear();
+
+private:
+    struct Entry {
+        std::size_t start;
+        std::uint32_t length;
+        std::uint32_t hash;
+    };
+
+    std::size_t Slot(std::string_view name, std::uint32_t hash) const;
+    void Grow();
+
+    std::string text_;
+    std::vector<Entry> entries_;
+    std::vector<std::uint32_t> slots_;  // number + 1 of the entry; 0 for none; a power of two long
+};
+
+}  // namespace bscan::detail

@@ -1,0 +1,3 @@
+#include <bscan/object.h>
+
+LObject::~LObject() = default;
