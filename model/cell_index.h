@@ -1,0 +1,71 @@
+// Finding boundary-scan cells by their names without walking the cell table.
+#pragma once
+
+#include "support/name_table.h"
+
+#include <string_view>
+#include <vector>
+
+class LBScanCell;
+
+namespace bscan::detail {
+
+// The cells of a cell table by one of their two names. It is learned at the first lookup and then
+// kept: every cell stands under each name that it has borne since, and a lookup drops those that no
+// longer bear the name. So the answer is always the lowest position that a walk would stop at.
+class CellColumn {
+public:
+    using Name = const char* (LBScanCell::*)() const;
+
+    explicit CellColumn(Name name) : name_(name) {}
+
+    // The lowest position of a cell that bears a name, letter case ignored; -1 without one.
+    int First(std::string_view name, const LBScanCell* cells, int count);
+    // A cell of the table has a new name.
+    void Renamed(const LBScanCell* cells, int position) noexcept;
+    void Forget();
+
+private:
+    struct Bearers {
+        int first = -1;          // lowest of those learned; next_ leads on
+        int last = -1;
+        std::vector<int> later;  // renamed since: a heap with the lowest position on top
+    };
+
+    void Learn(const LBScanCell* cells, int count);
+    Bearers& Under(std::string_view name);
+    bool Bears(const LBScanCell& cell, std::string_view folded) const;
+
+    Name name_;
+    bool known_ = false;
+    std::size_t renamed_ = 0;  // since the column was learned; too many and it is learned anew
+    NameTable names_;
+    std::vector<Bearers> bearers_;
+    std::vector<int> next_;
+    std::string folded_;
+};
+
+// Both columns, and the cells they are about.
+class CellIndex {
+public:
+    CellIndex();
+
+    void SetTable(const LBScanCell* cells, int count);
+
+    int WithPinName(std::string_view name);
+    int WithOriginalName(std::string_view name);
+
+    // What a cell tells of itself.
+    void PinNameSet(const LBScanCell& cell) noexcept;
+    void OriginalNameSet(const LBScanCell& cell) noexcept;
+
+private:
+    int PositionOf(const LBScanCell& cell) const;
+
+    const LBScanCell* cells_ = nullptr;
+    int count_ = 0;
+    CellColumn pin_names_;
+    CellColumn original_names_;
+};
+
+}  // namespace bscan::detail

@@ -1,0 +1,94 @@
+#include "model/cell_roles.h"
+
+#include "support/list_access.h"
+#include "support/text_view.h"
+
+namespace bscan::detail {
+namespace {
+
+// A set of cell functions, one bit for each.
+using FunctionSet = unsigned;
+
+constexpr FunctionSet Bit(CellFunction function) { return 1U << function; }
+
+constexpr FunctionSet kReceive = Bit(INPUT) | Bit(BIDIR_IN) | Bit(BIDIR);
+constexpr FunctionSet kDrive = Bit(OUTPUT2) | Bit(OUTPUT3) | Bit(BIDIR_OUT) | Bit(BIDIR);
+
+// A host may have set a function that is none.
+bool Holds(FunctionSet set, CellFunction function) {
+    return function >= INPUT && function < FUNCTION_NONE && (set >> function & 1U) != 0;
+}
+
+struct Mode {
+    std::string_view text;
+    PortType type;
+    FunctionSet accepted;
+};
+
+constexpr Mode kModes[] = {
+    {"in", PORT_IN, Bit(INPUT) | Bit(CLOCK) | Bit(OBSERVE_ONLY)},
+    {"out", PORT_OUT, Bit(OUTPUT2) | Bit(OUTPUT3)},
+    {"inout", PORT_INOUT, kReceive | kDrive | Bit(OBSERVE_ONLY)},
+    {"buffer", PORT_BUFFER, Bit(OUTPUT2)},
+};
+
+struct FunctionText {
+    std::string_view text;
+    CellFunction function;
+};
+
+constexpr FunctionText kFunctions[] = {
+    {"INPUT", INPUT},         {"CLOCK", CLOCK},     {"OUTPUT2", OUTPUT2},
+    {"OUTPUT3", OUTPUT3},     {"CONTROL", CONTROL}, {"CONTROLR", CONTROLR},
+    {"INTERNAL", INTERNAL},   {"BIDIR", BIDIR},     {"BIDIR_IN", BIDIR_IN},
+    {"BIDIR_OUT", BIDIR_OUT}, {"OBSERVE_ONLY", OBSERVE_ONLY},
+};
+
+}  // namespace
+
+CellRoles PickRoles(const LObjList* cells) {
+    CellRoles roles;
+    if (cells == nullptr) return roles;
+    for (LObject* const object : ListAccess::Objects(*cells)) {
+        auto* const cell = static_cast<LBScanCell*>(object);
+        if (cell == nullptr) continue;
+        const CellFunction function = cell->GetFunction();
+        if (roles.input == nullptr && CanReceive(function)) roles.input = cell;
+        if (Holds(kDrive, function)) {
+            if (roles.output == nullptr) roles.output = cell;
+            roles.control = cell->GetControlCell();
+        }
+        if (roles.observe == nullptr && function == OBSERVE_ONLY) roles.observe = cell;
+    }
+    return roles;
+}
+
+bool CanReceive(CellFunction function) { return Holds(kReceive, function); }
+
+bool Accepts(PortType mode, CellFunction function) {
+    for (const Mode& row : kModes) {
+        if (row.type == mode) return Holds(row.accepted, function);
+    }
+    return false;
+}
+
+PortType ModeFromText(std::string_view text, PortType otherwise) {
+    for (const Mode& row : kModes) {
+        if (text == row.text) return row.type;
+    }
+    return otherwise;
+}
+
+CellFunction FunctionFromText(std::string_view text, CellFunction otherwise) {
+    for (const FunctionText& row : kFunctions) {
+        if (EqualIgnoringCase(text, row.text)) return row.function;
+    }
+    return otherwise;
+}
+
+CellType CellTypeFromText(std::string_view text) {
+    if (text.size() != 4 || !EqualIgnoringCase(text.substr(0, 3), "BC_")) return BC_UNKNOWN;
+    return text[3] >= '0' && text[3] <= '7' ? static_cast<CellType>(text[3] - '0') : BC_UNKNOWN;
+}
+
+}  // namespace bscan::detail

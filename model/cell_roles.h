@@ -1,0 +1,41 @@
+// What cell functions and port modes mean for each other.
+#pragma once
+
+#include <bscan/boundary_cell.h>
+#include <bscan/object_list.h>
+#include <bscan/signal.h>
+
+#include <string_view>
+
+namespace bscan::detail {
+
+// The cells of a port element by their roles; null where it has none.
+struct CellRoles {
+    LBScanCell* input = nullptr;    // the first that can receive
+    LBScanCell* output = nullptr;   // the first that can drive
+    LBScanCell* control = nullptr;  // the control cell of the last that can drive
+    LBScanCell* observe = nullptr;  // the first that only observes
+};
+
+// The roles in a list of cells, which may be null.
+CellRoles PickRoles(const LObjList* cells);
+
+// Whether a cell's function lets it receive what the pin shows.
+bool CanReceive(CellFunction function);
+
+// Whether a port of this mode can be served by a cell of this function.
+bool Accepts(PortType mode, CellFunction function);
+
+// The mode that a text names; `otherwise` for any other text.
+PortType ModeFromText(std::string_view text, PortType otherwise);
+
+// The function that a text names, letter case ignored; `otherwise` for any other text.
+CellFunction FunctionFromText(std::string_view text, CellFunction otherwise);
+
+// The cell type that a text names, letter case ignored.
+CellType CellTypeFromText(std::string_view text);
+
+// A level as a cell takes it: SIG_1, or SIG_0 for everything else.
+inline eSignal AsBit(eSignal level) { return level == SIG_1 ? SIG_1 : SIG_0; }
+
+}  // namespace bscan::detail

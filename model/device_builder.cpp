@@ -1,0 +1,150 @@
+#include "model/device_builder.h"
+
+#include "model/cell_roles.h"
+#include "model/device_index.h"
+#include "support/list_access.h"
+#include "support/text_view.h"
+
+#include <bscan/limits.h>
+#include <bscan/result.h>
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace bscan::detail {
+namespace {
+
+// Shortens a list of nodes back to what it was, unless told that all went well.
+class NodesOnTrial {
+public:
+    explicit NodesOnTrial(std::vector<LObject*>& nodes) : nodes_(nodes), kept_(nodes.size()) {}
+    NodesOnTrial(const NodesOnTrial&) = delete;
+    NodesOnTrial& operator=(const NodesOnTrial&) = delete;
+    ~NodesOnTrial() {
+        while (nodes_.size() > kept_) {
+            delete nodes_.back();
+            nodes_.pop_back();
+        }
+    }
+    void Keep() { kept_ = nodes_.size(); }
+
+private:
+    std::vector<LObject*>& nodes_;
+    std::size_t kept_;
+};
+
+void AppendNumber(std::string& text, int number) {
+    char digits[12];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number);
+    static_cast<void>(error);
+    text.append(digits, static_cast<std::size_t>(end - digits));
+}
+
+}  // namespace
+
+void DeviceBuilder::AddPorts(std::optional<std::string_view> name, std::string_view mode,
+                             std::int64_t count, bool ascending) {
+    std::vector<LObject*>& nodes = ListAccess::Objects(device_.pins_);
+    const auto first = static_cast<std::int64_t>(nodes.size());
+    if (!Usable() || count < 1 || first + count > kMaxPortElements) return;
+    const std::size_t text = name ? name->size() * static_cast<std::size_t>(count) : 0;
+    if (text > kMaxPortNameText - device_.port_name_text_) return;
+    const auto elements = static_cast<int>(count);
+    const PortType type = ModeFromText(mode, PORT_NONE);
+    NodesOnTrial trial(nodes);
+    for (int k = 0; k < elements; ++k) {
+        nodes.push_back(nullptr);
+        nodes.back() = MakeNode(name, type, ascending ? k : elements - 1 - k);
+    }
+    trial.Keep();
+    device_.port_name_text_ += text;
+    device_.index_->ports.Added(name, {static_cast<int>(first), elements, ascending});
+}
+
+LPinNode* DeviceBuilder::MakeNode(std::optional<std::string_view> name, PortType mode,
+                                  int vector_index) {
+    auto node = std::make_unique<LPinNode>();
+    if (name) node->port_name_.emplace(*name);
+    node->type_ = mode;
+    node->vector_index_ = vector_index;
+    node->list_position_ = device_.GetNumberOfPins() - 1;
+    node->index_ = &device_.index_->ports;
+    return node.release();
+}
+
+LPinNode* DeviceBuilder::Element(std::string_view port, int k) {
+    return Usable() ? device_.index_->ports.NthNamed(port, k) : nullptr;
+}
+
+void DeviceBuilder::SetPinName(LPinNode& node, std::string_view pin) {
+    if (node.pin_name_) {
+        node.pin_name_->assign(pin);
+    } else {
+        node.pin_name_.emplace(pin);
+    }
+    if (node.index_ != nullptr) node.index_->PinNamesChanged();
+}
+
+void DeviceBuilder::AllocateCells(int length) {
+    if (!Usable() || length < 0 || length > kMaxBoundaryLength) return;
+    const auto count = static_cast<std::size_t>(length);
+    auto cells = std::make_unique<LBScanCell[]>(count);
+    auto bits = std::make_unique<unsigned char[]>((count + 7) / 8);
+    std::for_each_n(cells.get(), count,
+                    [&](LBScanCell& cell) { cell.index_ = &device_.index_->cells; });
+    if (device_.cells_ != nullptr) EmptyCellLists();
+    device_.cells_ = std::move(cells);
+    device_.bits_ = std::move(bits);
+    device_.length_ = length;
+    device_.index_->cells.SetTable(device_.cells_.get(), length);
+}
+
+// The lists stay, since a host may hold pointers to them; the cells in them are about to go.
+void DeviceBuilder::EmptyCellLists() {
+    for (LObject* const object : ListAccess::Objects(device_.pins_)) {
+        const auto* const node = static_cast<LPinNode*>(object);
+        if (node != nullptr && node->cells_ != nullptr) ListAccess::Objects(*node->cells_).clear();
+    }
+}
+
+int DeviceBuilder::AddCell(const CellFields& fields) {
+    if (device_.cells_ == nullptr || fields.number < 0 || fields.number >= device_.length_ ||
+        fields.control >= device_.length_) {
+        return kFailed;
+    }
+    LPinNode* const node = fields.port.empty()
+                               ? nullptr
+                               : device_.index_->ports.FirstNamed(fields.port, fields.port_index);
+    LBScanCell& cell = device_.cells_[static_cast<std::size_t>(fields.number)];
+    cell.position_ = fields.number;
+    if (fields.type) cell.type_ = CellTypeFromText(*fields.type);
+    cell.node_ = node;
+    if (fields.function) cell.function_ = FunctionFromText(*fields.function, cell.function_);
+    cell.safeValue = fields.safe;
+    cell.cellValue = fields.value;
+    if (fields.original_name) cell.original_pin_name_.assign(*fields.original_name);
+    cell.pin_name_.assign(fields.port);
+    if (fields.port_index != 0) AppendNumber(cell.pin_name_, fields.port_index);
+    cell.NamesSet();
+    if (fields.control >= 0) {
+        cell.control_ = &device_.cells_[static_cast<std::size_t>(fields.control)];
+        cell.disableValue = fields.disable_value;
+        cell.disableResult = fields.disable_result;
+    }
+    const int result = node == nullptr ? static_cast<int>(kOk) : node->AssociateBScanCell(&cell);
+    device_.SetBit(fields.number, fields.value);
+    return result;
+}
+
+void DeviceBuilder::NameCell(LBScanCell& cell, const char* name) {
+    cell.pin_name_.assign(name);
+    cell.original_pin_name_.assign(name);
+    cell.NamesSet();
+}
+
+LPinNode* DeviceBuilder::PortOfPinName(LBScanCell& cell) {
+    return device_.GetPortwName(cell.pin_name_.data());
+}
+
+}  // namespace bscan::detail

@@ -1,0 +1,66 @@
+// Filling a device pin map, for its own public operations and for the readers.
+#pragma once
+
+#include <bscan/device_pin_map.h>
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace bscan::detail {
+
+// One entry of the boundary register.
+struct CellFields {
+    int number = 0;
+    std::optional<std::string_view> type;      // none keeps the cell's type
+    std::string_view port;                     // in upper case; empty for none
+    int port_index = 0;
+    std::optional<std::string_view> function;  // none keeps the cell's function
+    eSignal safe = SIG_X;
+    int control = -1;                          // negative for none
+    eSignal disable_value = SIG_0;
+    eSignal disable_result = SIG_Z;
+    eSignal value = SIG_X;
+    std::optional<std::string_view> original_name;  // none keeps the cell's second name
+};
+
+// Its operations throw when memory is exhausted; the device is sound then, and holds what it held.
+class DeviceBuilder {
+public:
+    explicit DeviceBuilder(BScanPinMap& device) : device_(device) {}
+
+    // Whether the device had memory for its index, without which it takes nothing in.
+    bool Usable() const { return device_.index_ != nullptr; }
+
+    // Appends elements of one port, with vector indexes from 0 upward or down to 0.
+    void AddPorts(std::optional<std::string_view> name, std::string_view mode, std::int64_t count,
+                  bool ascending);
+
+    // Appends the names of a declaration of mode "inout".
+    void AddIoNames(std::string_view names) { device_.io_names_.emplace_back(names); }
+
+    // The k-th element of a port, by its exact name; null without one.
+    LPinNode* Element(std::string_view port, int k);
+    // Gives an element its package pin.
+    static void SetPinName(LPinNode& node, std::string_view pin);
+
+    // Starts a fresh boundary register.
+    void AllocateCells(int length);
+    // Fills a cell; 0 or -1 as BScanPinMap::AddNewRegister.
+    int AddCell(const CellFields& fields);
+
+    // Makes a cell the copy of another, position and names included.
+    static void CopyCell(LBScanCell& to, const LBScanCell& from) { to.CopyFrom(from); }
+    // Gives a cell both its names.
+    static void NameCell(LBScanCell& cell, const char* name);
+    // Finds the port of a cell by its pin name, which the lookup turns into upper case.
+    LPinNode* PortOfPinName(LBScanCell& cell);
+
+private:
+    LPinNode* MakeNode(std::optional<std::string_view> name, PortType mode, int vector_index);
+    void EmptyCellLists();
+
+    BScanPinMap& device_;
+};
+
+}  // namespace bscan::detail

@@ -1,0 +1,16 @@
+// What finds the ports and the cells of one device.
+#pragma once
+
+#include "model/cell_index.h"
+#include "model/port_index.h"
+
+namespace bscan::detail {
+
+struct DeviceIndex {
+    explicit DeviceIndex(LObjList& pins) : ports(pins) {}
+
+    PortIndex ports;
+    CellIndex cells;
+};
+
+}  // namespace bscan::detail

@@ -1,0 +1,122 @@
+#include <bscan/pin_node.h>
+
+#include "model/cell_roles.h"
+#include "model/port_index.h"
+#include "support/border.h"
+#include "support/list_access.h"
+#include "support/text_view.h"
+
+using namespace bscan::detail;
+
+namespace {
+
+char* Writable(const std::optional<std::string>& text) {
+    return text ? const_cast<char*>(text->c_str()) : nullptr;  // NOLINT: the interface gives it out
+}
+
+}  // namespace
+
+LPinNode::LPinNode() = default;
+LPinNode::~LPinNode() = default;
+
+void LPinNode::SetPortName(char* name) {
+    if (name == nullptr) return;
+    GetPortName();  // from now on the index has to look at the name itself
+    GuardedQuietly([&] { port_name_ = std::string(name); });
+}
+
+char* LPinNode::GetPortName() const {
+    if (index_ != nullptr && !port_name_exposed_) {
+        port_name_exposed_ = true;
+        index_->PortNameExposed(*this);
+    }
+    return Writable(port_name_);
+}
+
+void LPinNode::SetPinName(char* name) {
+    if (name == nullptr) return;
+    GuardedQuietly([&] { pin_name_ = std::string(name); });
+    if (index_ != nullptr) index_->PinNamesChanged();
+}
+
+char* LPinNode::GetPinName() const {
+    if (index_ != nullptr && !pin_name_exposed_) {
+        pin_name_exposed_ = true;
+        index_->PinNameExposed(*this);
+    }
+    return Writable(pin_name_);
+}
+
+void LPinNode::SetPortType(char* mode) { type_ = ModeFromText(View(mode), type_); }
+
+PortType LPinNode::GetPortType() const { return type_; }
+
+void LPinNode::SetPinNumber(int number) {
+    pin_number_ = number;
+    if (index_ != nullptr) index_->PinNumbersChanged();
+}
+
+int LPinNode::GetPinNumber() const { return pin_number_; }
+int LPinNode::GetVectorIndex() const { return vector_index_; }
+
+void LPinNode::SetPortValue(eSignal value) { value_ = value; }
+eSignal LPinNode::GetPortValue() const { return value_; }
+
+LObjList* LPinNode::GetBScanCells() const { return cells_.get(); }
+
+int LPinNode::AssociateBScanCell(LBScanCell* cell) {
+    if (cell == nullptr || !Accepts(type_, cell->GetFunction())) return bscan::kFailed;
+    return GuardedCode([&]() -> int {
+        if (cells_ == nullptr) {
+            auto cells = std::make_unique<LObjList>();
+            ListAccess::Objects(*cells).reserve(3);  // as many as most ports have
+            cells_ = std::move(cells);
+        }
+        ListAccess::Objects(*cells_).push_back(cell);
+        return bscan::kOk;
+    });
+}
+
+int LPinNode::SetInput(eSignal level) {
+    const CellRoles roles = PickRoles(cells_.get());
+    if (roles.observe != nullptr) {
+        roles.observe->cellValue = AsBit(level);
+        return bscan::kOk;
+    }
+    if (roles.input == nullptr) return bscan::kFailed;
+    roles.input->cellValue = AsBit(level);
+    if (type_ != PORT_INOUT) return bscan::kOk;
+    if (roles.control == nullptr || roles.output == nullptr) return bscan::kFailed;
+    roles.control->cellValue = roles.output->disableValue;
+    if (roles.output == roles.input) return bscan::kOk;
+    const eSignal idle = roles.output->disableResult;
+    roles.output->cellValue = idle == SIG_PULL1 || idle == SIG_WEAK1 ? SIG_1 : SIG_0;
+    return bscan::kOk;
+}
+
+int LPinNode::SetOutput(eSignal level) {
+    const CellRoles roles = PickRoles(cells_.get());
+    if (roles.control == nullptr || roles.output == nullptr) return bscan::kFailed;
+    roles.control->cellValue = roles.output->disableValue == SIG_0 ? SIG_1 : SIG_0;
+    roles.output->cellValue = AsBit(level);
+    return type_ == PORT_INOUT && roles.input == nullptr ? bscan::kFailed : bscan::kOk;
+}
+
+int LPinNode::SetBScanCell(PortType direction, eSignal level) {
+    const bool drives = type_ == PORT_OUT || type_ == PORT_BUFFER;
+    if (direction == PORT_IN && !drives) return SetInput(level);
+    if (direction == PORT_OUT && type_ != PORT_IN) return SetOutput(level);
+    return bscan::kFailed;
+}
+
+void LPinNode::SetPositive(bool positive) { positive_ = positive; }
+bool LPinNode::IsPositive() const { return positive_; }
+void LPinNode::SetNegative(bool negative) { negative_ = negative; }
+bool LPinNode::IsNegative() const { return negative_; }
+
+namespace bscan {
+
+const char* PortName(const LPinNode& node) { return detail::PortIndex::PortNameOf(node); }
+const char* PinName(const LPinNode& node) { return detail::PortIndex::PinNameOf(node); }
+
+}  // namespace bscan
