@@ -1,0 +1,53 @@
+// The dispatch of attributes by their names.
+
+#include "parser/main_pass.h"
+#include "support/text_view.h"
+
+#include <bscan/result.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace bscan::detail {
+
+struct MainPass::AttributeRule {
+    std::string_view keyword;
+    Reader reader;
+    bool result_counts;  // whether a failure of the reader ends the main pass
+};
+
+// The first keyword that occurs anywhere in the statement decides, even when the attribute has
+// another name; such a statement is then left unread.
+const MainPass::AttributeRule MainPass::kAttributeRules[] = {
+    {"PIN_MAP_STRING", &MainPass::ReadPinMap, false},
+    {"BOUNDARY_REGISTER", &MainPass::ReadBoundaryRegister, true},
+    {"BOUNDARY_LENGTH", &MainPass::ReadBoundaryLength, true},
+    {"INSTRUCTION_LENGTH", &MainPass::ReadInstructionLength, true},
+    {"INSTRUCTION_OPCODE", &MainPass::ReadInstructionOpcode, true},
+    {"INSTRUCTION_CAPTURE", &MainPass::ReadInstructionCapture, true},
+    {"REGISTER_ACCESS", &MainPass::ReadRegisterAccess, true},
+    {"PORT_GROUPING", &MainPass::ReadPortGrouping, true},
+};
+
+int MainPass::ReadAttribute(std::string& statement) {
+    if (parser_.instruction_register_ == nullptr) {
+        parser_.instruction_register_ = std::make_unique<CInstrRegisterDesc>();
+    }
+    statement.push_back(' ');
+    int result = reader_.Complete(statement, Terminator::Text(" is "));
+    if (result != kOk) return result;
+    const auto* const rule = std::find_if(
+        std::begin(kAttributeRules), std::end(kAttributeRules),
+        [&](const AttributeRule& row) { return Contains(statement, row.keyword); });
+    if (rule == std::end(kAttributeRules)) {
+        return reader_.Complete(statement, Terminator::Text(";"));
+    }
+    if (rule->reader == &MainPass::ReadRegisterAccess && parser_.register_access_ == nullptr) {
+        parser_.register_access_ = std::make_unique<CRegisterAccessDesc>();
+    }
+    if (CutWord(CutWord(statement).after).before != rule->keyword) return kOk;
+    result = (this->*rule->reader)(statement);
+    return rule->result_counts ? result : static_cast<int>(kOk);
+}
+
+}  // namespace bscan::detail

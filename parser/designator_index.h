@@ -1,0 +1,26 @@
+// The numbers of the pins of one package.
+#pragma once
+
+#include "support/name_table.h"
+
+#include <bscan/package_pin_map.h>
+
+#include <string_view>
+#include <vector>
+
+namespace bscan::detail {
+
+// Finds a designator's number as a walk over the package's pins would.
+class DesignatorIndex {
+public:
+    explicit DesignatorIndex(const PackagePinMap& package);
+
+    // The number of the first pin of that designator, from 1; 0 without one.
+    int Number(std::string_view designator) const;
+
+private:
+    NameTable names_;
+    std::vector<int> numbers_;
+};
+
+}  // namespace bscan::detail

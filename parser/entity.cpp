@@ -1,0 +1,83 @@
+// The walk over the lines of an entity.
+
+#include "parser/main_pass.h"
+#include "support/text_view.h"
+
+#include <bscan/result.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace bscan::detail {
+namespace {
+
+constexpr std::string_view kEntity = "entity";
+
+}  // namespace
+
+// What a line that begins with a keyword leads to. There is no test for the end of a word.
+struct MainPass::LineRule {
+    enum class Action { kRead, kSkip, kEnd };
+
+    std::string_view keyword;
+    Action action;
+    Reader reader;
+};
+
+const MainPass::LineRule MainPass::kLineRules[] = {
+    {"port", LineRule::Action::kRead, &MainPass::ReadPort},
+    {"use", LineRule::Action::kSkip, nullptr},
+    {"attribute", LineRule::Action::kRead, &MainPass::ReadAttribute},
+    {"constant", LineRule::Action::kRead, &MainPass::ReadConstant},
+    {"end", LineRule::Action::kEnd, nullptr},
+    // What is left of an attribute that was not read.
+    {"\"", LineRule::Action::kSkip, nullptr},
+};
+
+int MainPass::ReadFile() {
+    std::string_view line;
+    const int result = reader_.NextLine(line);
+    if (result != kOk) return result;
+    if (!line.starts_with(kEntity)) return kUnexpectedLine;
+    std::string statement(line);
+    return ReadEntity(statement);
+}
+
+int MainPass::ReadEntity(std::string& statement) {
+    int result = reader_.Complete(statement, Terminator::Text(";"));
+    if (result != kOk) return result;
+    const std::string_view text = statement;
+    const Parts parts = CutWord(TrimLeft(text.substr(std::min(kEntity.size(), text.size()))));
+    parser_.component_name_ = std::string(parts.before);
+    // The readers go on in the file of the main pass, whatever this one was given.
+    MainPass readers(parser_, fptrBSDL);
+    if (Contains(text, "generic")) {
+        std::string rest(parts.after);
+        result = readers.ReadGeneric(rest);
+        if (result != kOk) return result;
+    }
+    for (;;) {
+        std::string_view line;
+        result = reader_.NextLine(line);
+        if (result != kOk) return result;
+        const auto* const rule =
+            std::find_if(std::begin(kLineRules), std::end(kLineRules),
+                         [&](const LineRule& row) { return line.starts_with(row.keyword); });
+        if (rule == std::end(kLineRules)) return kUnexpectedLine;
+        if (rule->action == LineRule::Action::kEnd) return kOk;
+        if (rule->action == LineRule::Action::kSkip) continue;
+        statement.assign(line);
+        result = (readers.*rule->reader)(statement);
+        if (result != kOk) return result;
+    }
+}
+
+bool MainPass::ChargeExtraWork(std::int64_t work) {
+    // A walk over the device, paid for by a single line of a file that repeats an attribute without
+    // end. No real file comes near this.
+    constexpr std::int64_t kMostExtraWork = std::int64_t{1} << 25;
+    parser_.extra_work_ += work;
+    return parser_.extra_work_ <= kMostExtraWork;
+}
+
+}  // namespace bscan::detail

@@ -1,0 +1,33 @@
+// The lines of a BSDL file: without comments, trimmed, and never empty.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace bscan::detail {
+
+// A read takes this many characters at the most; a longer line comes in pieces, each of which is
+// treated as a line of its own.
+inline constexpr std::size_t kPhysicalRead = 254;
+
+class LineReader {
+public:
+    // Counts every physical read in `lines`.
+    LineReader(FILE* file, std::int64_t& lines) : file_(file), lines_(lines) {}
+
+    // Delivers the next line that is not empty; its text is valid until the next call. A comment
+    // runs from "--" to the end of the line, even inside quotes. It is wanted when `comment` is not
+    // null: that receives the comment of the delivered line with its dashes, trimmed and followed
+    // by '*', or nothing.
+    int Next(std::string_view& line, std::string* comment = nullptr);
+
+private:
+    FILE* file_;
+    std::int64_t& lines_;
+    char buffer_[kPhysicalRead + 1];
+};
+
+}  // namespace bscan::detail

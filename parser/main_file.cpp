@@ -1,0 +1,21 @@
+#include "parser/main_file.h"
+
+#include "support/file.h"
+
+#include <bscan/parser.h>
+
+#include <utility>
+
+FILE* fptrBSDL = nullptr;
+
+namespace bscan::detail {
+
+bool OpenMainFile(const char* path) {
+    CloseMainFile();
+    fptrBSDL = OpenForReading(path).release();
+    return fptrBSDL != nullptr;
+}
+
+void CloseMainFile() { FilePointer(std::exchange(fptrBSDL, nullptr)).reset(); }
+
+}  // namespace bscan::detail

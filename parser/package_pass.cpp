@@ -1,0 +1,101 @@
+#include "parser/package_pass.h"
+
+#include "parser/constant_text.h"
+#include "parser/designator_index.h"
+#include "parser/pin_map_text.h"
+#include "parser/pin_sort.h"
+#include "support/file.h"
+#include "support/list_access.h"
+#include "support/text_view.h"
+
+#include <bscan/result.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace bscan::detail {
+namespace {
+
+// The line that ends the search without a pin map.
+constexpr int kNoPinMapInFile = 1;
+
+}  // namespace
+
+int ReadPackage(BScanParser& parser, const char* path) {
+    const FilePointer file = OpenForReading(path);
+    return file == nullptr ? static_cast<int>(kCannotOpen)
+                           : PackagePass(parser, file.get()).Read();
+}
+
+int PackagePass::Read() {
+    std::string first_line;
+    std::string statement;
+    int result = FindPinMap(first_line, statement);
+    if (result != kOk) return result == kNoPinMapInFile ? static_cast<int>(kOk) : result;
+    std::string value;
+    result = reader_.ReadStringValue(ValueStart(first_line), Comments::kDrop, value);
+    if (result != kOk) return result;
+    std::vector<PIN_NAME> pins = parser_.pin_names_;
+    if (!CollectPins(value, pins)) return kOk;
+    std::string package(ConstantName(statement));
+    LowerCase(package);
+    SortPins(pins);
+    Publish(std::move(package), std::move(pins));
+    return kOk;
+}
+
+int PackagePass::FindPinMap(std::string& first_line, std::string& statement) {
+    for (;;) {
+        std::string_view line;
+        if (reader_.NextLine(line) != kOk) return kNoPinMapInFile;
+        if (!line.starts_with("constant")) continue;
+        first_line.assign(line);
+        statement.assign(line);
+        const int result = reader_.Complete(statement, Terminator::Text(":="));
+        if (result != kOk) return result;
+        if (Contains(statement, kPinMapString) &&
+            TypeWord(statement, kPinMapString) == kPinMapString) {
+            return kOk;
+        }
+    }
+}
+
+// False when there is no pin, or the first one has no letter: then designators are numbers already.
+bool PackagePass::CollectPins(std::string_view value, std::vector<PIN_NAME>& pins) const {
+    bool any = false;
+    std::string digits;
+    PinMapCutter cutter(value);
+    for (PinMapEntry entry; cutter.Next(entry);) {
+        for (std::string_view pin; TakePin(entry.pins, pin); any = true) {
+            if (!any && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
+            PIN_NAME& name = pins.emplace_back();
+            digits.clear();
+            for (const char c : pin) {
+                if (IsLetter(c)) name.letters.push_back(c);
+                if (IsDigit(c)) digits.push_back(c);
+            }
+            name.number = static_cast<unsigned short>(DecimalValue(digits));
+        }
+    }
+    return any;
+}
+
+void PackagePass::Publish(std::string package, std::vector<PIN_NAME> pins) {
+    auto map = std::make_unique<PackagePinMap>();
+    map->name_ = std::move(package);
+    map->pins_.reserve(pins.size());
+    for (const PIN_NAME& pin : pins) {
+        std::string& designator = map->pins_.emplace_back(pin.letters);
+        designator += std::to_string(pin.number);
+    }
+    auto maps = std::make_unique<LObjList>();
+    ListAccess::Objects(*maps).push_back(map.get());
+
+    map.release();
+    parser_.DestroyPackageMaps();
+    parser_.package_maps_ = std::move(maps);
+    parser_.pin_names_ = std::move(pins);
+    parser_.designators_.reset();
+}
+
+}  // namespace bscan::detail

@@ -1,0 +1,65 @@
+// Constants, and the pin map strings that bond ports to package pins.
+
+#include "model/device_builder.h"
+#include "parser/constant_text.h"
+#include "parser/designator_index.h"
+#include "parser/main_pass.h"
+#include "parser/pin_map_text.h"
+#include "support/text_view.h"
+
+#include <bscan/result.h>
+
+namespace bscan::detail {
+
+int MainPass::ReadConstant(std::string& statement) {
+    const int result = reader_.Complete(statement, Terminator::Text(":="));
+    if (result != kOk) return result;
+    if (Contains(statement, kPinMapString)) {
+        // A pin map that cannot be read does not end the main pass.
+        if (TrimRight(TypeWord(statement, kPinMapString)) == kPinMapString) ReadPinMap(statement);
+        return kOk;
+    }
+    if (!Contains(statement, kBoundaryRegister)) return kOk;
+    if (TrimRight(TypeWord(statement, kBoundaryRegister)) != kBoundaryRegister) return kOk;
+    return ReadBoundaryRegister(statement);
+}
+
+int MainPass::ReadPinMap(std::string& statement) {
+    value_.clear();
+    const int result = reader_.ReadStringValue(ValueStart(statement), Comments::kDrop, value_);
+    if (result != kOk || parser_.pin_map_ == nullptr) return result;
+    DeviceBuilder device(*parser_.pin_map_);
+    PinMapCutter cutter(value_);
+    for (PinMapEntry entry; cutter.Next(entry);) {
+        int k = 0;
+        for (std::string_view pin; TakePin(entry.pins, pin); ++k) {
+            LPinNode* const node = device.Element(entry.port, k);
+            if (node == nullptr) break;  // nor is there an element behind it
+            DeviceBuilder::SetPinName(*node, pin);
+            node->SetPinNumber(PinNumber(pin));
+        }
+    }
+    return kOk;
+}
+
+// The first package map that bears the name of the package type.
+const PackagePinMap* MainPass::SelectedPackage() const {
+    if (!parser_.package_type_) return nullptr;
+    for (int i = 0; i < parser_.GetPackageMapCount(); ++i) {
+        const PackagePinMap* const package = parser_.GetPackageMap(i);
+        if (*parser_.package_type_ == package->GetPackageName()) return package;
+    }
+    return nullptr;
+}
+
+int MainPass::PinNumber(std::string_view designator) {
+    if (parser_.designators_ == nullptr) {
+        const PackagePinMap* const package = SelectedPackage();
+        if (package == nullptr) return DecimalValue(designator);
+        parser_.designators_ = std::make_unique<DesignatorIndex>(*package);
+    }
+    const int number = parser_.designators_->Number(designator);
+    return number == 0 ? static_cast<int>(kUnknownPin) : number;
+}
+
+}  // namespace bscan::detail

@@ -1,0 +1,83 @@
+#include "parser/statement_reader.h"
+
+#include "support/text_view.h"
+
+#include <bscan/result.h>
+
+namespace bscan::detail {
+namespace {
+
+const Terminator kPieceEnd = Terminator::AnyOf("&;");
+
+// A ';' ends a value only where it is the last character, and the first of its kind.
+bool EndsValue(std::string_view text) {
+    return !text.empty() && text.find(';') == text.size() - 1;
+}
+
+// The quoted text at the front; nothing without a closing quote.
+std::string_view UpToQuote(std::string_view text) { return TrimRight(CutAt(text, '"').before); }
+
+}  // namespace
+
+std::string_view ValueStart(std::string_view text) {
+    const std::size_t quote = text.find('"');
+    if (quote == 0 || quote == std::string_view::npos) return {};
+    return TrimLeft(text.substr(quote + 1));
+}
+
+int StatementReader::Complete(std::string& statement, Terminator terminator, std::size_t limit) {
+    if (terminator.IsIn(statement)) return kOk;
+    statement.push_back(' ');
+    for (;;) {
+        std::string_view line;
+        const int result = lines_.Next(line);
+        if (result != kOk) return result;
+        statement.append(line);
+        if (statement.size() > limit) return kTextTooLong;
+        if (terminator.IsIn(line)) return kOk;
+    }
+}
+
+int StatementReader::ReadStringValue(std::string_view start, Comments comments,
+                                     std::string& value) {
+    bool ended = false;
+    int result = start.empty() ? static_cast<int>(kOk) : ReadFirstPiece(start, value, ended);
+    while (result == kOk && !ended) {
+        result = ReadPiece(comments, value, ended);
+        if (value.size() > kMaxStatementLength) return kTextTooLong;
+    }
+    return result;
+}
+
+int StatementReader::ReadFirstPiece(std::string_view start, std::string& value, bool& ended) {
+    extended_.assign(start);
+    const int result = Complete(extended_, kPieceEnd);
+    if (result != kOk) return result;
+    value.append(UpToQuote(extended_));
+    ended = EndsValue(extended_);
+    if (!ended) value.push_back(' ');
+    return kOk;
+}
+
+int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ended) {
+    comment_.clear();
+    std::string_view line;
+    int result = lines_.Next(line, comments == Comments::kKeep ? &comment_ : nullptr);
+    if (result != kOk) return result;
+    ended = EndsValue(line);
+    std::string_view rest = TrimLeft(CutAt(line, '"').after);
+    if (!kPieceEnd.IsIn(rest)) {
+        extended_.assign(rest);
+        result = Complete(extended_, kPieceEnd);
+        if (result != kOk) return result;
+        rest = extended_;
+    }
+    // The ';' may stand on a line of its own behind the last piece.
+    ended = ended || EndsValue(rest);
+    value.append(UpToQuote(rest));
+    if (!comment_.empty()) value.append(1, ' ').append(comment_);
+    value.push_back(' ');
+    return kOk;
+}
+
+}  // namespace bscan::detail

@@ -1,0 +1,71 @@
+// Statements and string values, assembled from lines.
+#pragma once
+
+#include "parser/line_reader.h"
+
+#include <bscan/limits.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace bscan::detail {
+
+// What ends a statement.
+class Terminator {
+public:
+    // The text holds this character, or text.
+    static Terminator Text(std::string_view text) { return Terminator(text, Kind::kText); }
+    // The text holds any of these characters.
+    static Terminator AnyOf(std::string_view set) { return Terminator(set, Kind::kAnyOf); }
+
+    bool IsIn(std::string_view text) const {
+        return (kind_ == Kind::kText ? text.find(text_) : text.find_first_of(text_)) !=
+               std::string_view::npos;
+    }
+
+private:
+    enum class Kind { kText, kAnyOf };
+    Terminator(std::string_view text, Kind kind) : text_(text), kind_(kind) {}
+
+    std::string_view text_;
+    Kind kind_;
+};
+
+enum class Comments { kDrop, kKeep };
+
+class StatementReader {
+public:
+    StatementReader(FILE* file, std::int64_t& lines) : lines_(file, lines) {}
+
+    int NextLine(std::string_view& line, std::string* comment = nullptr) {
+        return lines_.Next(line, comment);
+    }
+
+    // Appends lines to a statement until one holds the terminator; none when the statement holds it
+    // already. Only the first line is set off by a blank; the others are joined directly. The
+    // terminator is sought in each line by itself, so one that only joining would make is missed.
+    int Complete(std::string& statement, Terminator terminator,
+                 std::size_t limit = kMaxStatementLength);
+
+    // Appends a string value to `value`: one quoted piece a line, the last line ending in ';'. The
+    // start is the text behind the opening quote of the statement; empty when the value begins on
+    // the next line. Each piece is followed by the comment of its line, when comments are kept, and
+    // a blank; a value that ends on the first line is not.
+    int ReadStringValue(std::string_view start, Comments comments, std::string& value);
+
+private:
+    int ReadFirstPiece(std::string_view start, std::string& value, bool& ended);
+    int ReadPiece(Comments comments, std::string& value, bool& ended);
+
+    LineReader lines_;
+    std::string extended_;  // a piece that goes on over several lines
+    std::string comment_;
+};
+
+// The text behind the opening quote of a string value: what follows the first quote of a text, or
+// nothing when there is none or it stands at the very start.
+std::string_view ValueStart(std::string_view text);
+
+}  // namespace bscan::detail
