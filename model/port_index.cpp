@@ -64,23 +64,25 @@ void PortIndex::Added(std::optional<std::string_view> name, const PortRun& run) 
     PinNumbersChanged();
     if (!name || run.first != indexed_) return;
     try {
-        const auto add = [&](std::string_view key, PortRuns SameName::*runs) {
-            const auto number = static_cast<std::size_t>(names_.Add(key));
-            if (number == same_names_.size()) same_names_.emplace_back();
-            (same_names_[number].*runs).Add(run);
-        };
-        add(*name, &SameName::spelled);
+        SameName& same = Same(*name);
+        same.spelled.Add(run);
         if (IsUpper(*name)) {
-            add(*name, &SameName::folded);
+            same.folded.Add(run);
         } else {
             std::string upper(*name);
             UpperCase(upper);
-            add(upper, &SameName::folded);
+            Same(upper).folded.Add(run);
         }
         indexed_ += run.count;
     } catch (...) {
         GiveUp();
     }
+}
+
+PortIndex::SameName& PortIndex::Same(std::string_view name) {
+    const auto number = static_cast<std::size_t>(names_.Add(name));
+    if (number == same_names_.size()) same_names_.emplace_back();
+    return same_names_[number];
 }
 
 void PortIndex::Expose(Positions& exposed, int position) {

@@ -73,6 +73,7 @@ private:
     LPinNode* Node(int position) const;
     void CheckList();
     void GiveUp();
+    SameName& Same(std::string_view name);
     void Expose(Positions& exposed, int position);
     const std::vector<int>& InOrder(Positions& positions);
     void UpperCaseUpTo(int position);

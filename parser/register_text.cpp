@@ -47,54 +47,83 @@ std::string_view TakeField(std::string_view& body) {
 }
 
 void CutPort(std::string_view field, RegisterFields& fields) {
-    if (Contains(field, '*')) return;
-    const std::size_t opening = field.find('(');
-    fields.port = field;
+    const auto is = [](char sought) { return [sought](char c) { return c == sought; }; };
+    if (FindFirst(field, is('*')) != std::string_view::npos) return;
+    const std::size_t opening = FindFirst(field, is('('));
+    fields.port = TrimRight(field.substr(0, opening));
     if (opening == std::string_view::npos) return;
-    const Parts parts = CutTrimmed(field, '(');
-    fields.port = parts.before;
-    fields.port_index = DecimalValue(CutAt(parts.after, ')').before);
+    const std::string_view index = field.substr(opening + 1);
+    fields.port_index = DecimalValue(CutAt(index, FindFirst(index, is(')'))).before);
 }
 
 }  // namespace
 
-int CutRegister(std::string_view value, std::vector<RegisterEntry>& entries) {
-    enum class State { kBetween, kInEntry, kAfterEntry, kInRemark };
-    State state = State::kBetween;
-    std::size_t begin = 0;
-    int depth = 0;
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        const char c = value[i];
-        switch (state) {
-            case State::kBetween:
-                if (c == '"' || IsBlank(c)) break;
-                state = c == '-' ? State::kInRemark : State::kInEntry;
-                // The first character of an entry is never taken as a parenthesis.
-                begin = c == '-' ? i + 1 : i;
-                break;
-            case State::kInEntry:
-                if (c == '(') ++depth;
-                if (c != ')' || --depth > 0) break;
-                if (depth < 0) return kBadValue;
-                entries.push_back({value.substr(begin, i + 1 - begin), {}});
-                state = State::kAfterEntry;
-                break;
-            case State::kAfterEntry:
-                if (c == ',') {
-                    state = State::kBetween;
-                } else if (!IsBlank(c)) {
-                    return kBadValue;
-                }
-                break;
-            case State::kInRemark:
-                if (c != '*') break;
-                // A remark in front of the first entry belongs to none.
-                if (!entries.empty()) entries.back().remark = value.substr(begin, i - begin);
-                state = State::kBetween;
-                break;
+namespace {
+
+// Walks over a register's value from one character that matters to the next.
+class RegisterCutter {
+public:
+    RegisterCutter(std::string_view value, std::vector<RegisterEntry>& entries)
+        : value_(value), entries_(entries) {}
+
+    int Cut() {
+        while (SkipBlanksAndQuotes()) {
+            if (value_[at_] == '-') {
+                CutRemark();
+                continue;
+            }
+            const int result = CutEntry();
+            if (result != kOk) return result;
         }
+        return entries_.empty() ? kBadValue : kOk;
     }
-    return entries.empty() ? kBadValue : kOk;
+
+private:
+    // False at the end of the value.
+    bool SkipBlanksAndQuotes() {
+        while (at_ < value_.size() && (IsBlank(value_[at_]) || value_[at_] == '"')) ++at_;
+        return at_ < value_.size();
+    }
+
+    // From the dash that begins it to its '*'. One in front of the first entry belongs to none, one
+    // without '*' is dropped.
+    void CutRemark() {
+        const std::size_t begin = at_ + 1;
+        const std::size_t end = value_.find('*', begin);
+        at_ = value_.size();
+        if (end == std::string_view::npos) return;
+        if (!entries_.empty()) entries_.back().remark = value_.substr(begin, end - begin);
+        at_ = end + 1;
+    }
+
+    // From any character, which is never taken as a parenthesis, through the parenthesis that closes
+    // the entry's first one, and the comma behind it. An entry without end is dropped.
+    int CutEntry() {
+        const std::size_t begin = at_;
+        int depth = 0;
+        do {
+            ++at_;
+            while (at_ < value_.size() && value_[at_] != '(' && value_[at_] != ')') ++at_;
+            if (at_ == value_.size()) return kOk;
+            depth += value_[at_] == '(' ? 1 : -1;
+            if (depth < 0) return kBadValue;
+        } while (depth > 0 || value_[at_] != ')');
+        ++at_;
+        entries_.push_back({value_.substr(begin, at_ - begin), {}});
+        while (at_ < value_.size() && IsBlank(value_[at_])) ++at_;
+        if (at_ == value_.size()) return kOk;
+        return value_[at_++] == ',' ? kOk : kBadValue;
+    }
+
+    std::string_view value_;
+    std::vector<RegisterEntry>& entries_;
+    std::size_t at_ = 0;
+};
+
+}  // namespace
+
+int CutRegister(std::string_view value, std::vector<RegisterEntry>& entries) {
+    return RegisterCutter(value, entries).Cut();
 }
 
 void AppendRemark(std::string_view remark, std::string& text) {
@@ -111,7 +140,7 @@ bool CutRegisterEntry(std::string_view text, RegisterFields& fields) {
     CutPort(TakeField(body), fields);
     fields.function = TakeField(body);
 
-    const std::size_t comma = body.find(',');
+    const std::size_t comma = FindFirst(body, [](char c) { return c == ','; });
     std::string_view safe = body;
     if (comma != std::string_view::npos && comma > 0) {
         safe = TakeField(body);

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "parser/line_reader.h"
+#include "support/text_view.h"
 
 #include <bscan/limits.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -21,8 +23,8 @@ public:
     static Terminator AnyOf(std::string_view set) { return Terminator(set, Kind::kAnyOf); }
 
     bool IsIn(std::string_view text) const {
-        return (kind_ == Kind::kText ? text.find(text_) : text.find_first_of(text_)) !=
-               std::string_view::npos;
+        if (kind_ == Kind::kText) return Contains(text, text_);
+        return std::any_of(text_.begin(), text_.end(), [&](char c) { return Contains(text, c); });
     }
 
 private:

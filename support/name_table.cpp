@@ -26,17 +26,32 @@ std::uint64_t Seed() {
     return seed;
 }
 
+template <class Word>
+std::uint64_t Load(const char* text) {
+    Word word = 0;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
+// Up to 8 characters as a number, read in pieces of fixed size, which may overlap.
+std::uint64_t LoadShort(std::string_view text) {
+    const std::size_t size = text.size();
+    const char* const begin = text.data();
+    if (size >= 4) {
+        return Load<std::uint32_t>(begin) << 32 | Load<std::uint32_t>(begin + size - 4);
+    }
+    if (size >= 2) {
+        return Load<std::uint16_t>(begin) << 16 | Load<std::uint16_t>(begin + size - 2);
+    }
+    return size == 0 ? 0 : Load<std::uint8_t>(begin);
+}
+
 std::uint32_t Hash(std::string_view name) {
     std::uint64_t hash = Seed() ^ name.size();
-    while (name.size() >= sizeof(std::uint64_t)) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, name.data(), sizeof word);
-        hash = Mix(hash ^ word, kFirst);
-        name.remove_prefix(sizeof word);
+    for (; name.size() > 8; name.remove_prefix(8)) {
+        hash = Mix(hash ^ Load<std::uint64_t>(name.data()), kFirst);
     }
-    std::uint64_t last = 0;
-    if (!name.empty()) std::memcpy(&last, name.data(), name.size());
-    hash = Mix(hash ^ last, kSecond);
+    hash = Mix(hash ^ LoadShort(name), kSecond);
     return static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
 

@@ -5,13 +5,6 @@
 
 namespace bscan::detail {
 
-std::size_t FindSpace(std::string_view text) {
-    const auto found = std::find_if(text.begin(), text.end(),
-                                    [](char c) { return c == ' ' || c == '\t' || c == '\n'; });
-    return found == text.end() ? std::string_view::npos
-                               : static_cast<std::size_t>(found - text.begin());
-}
-
 Parts CutWord(std::string_view text) {
     const Parts parts = CutAt(text, FindSpace(text));
     return {TrimRight(parts.before), TrimLeft(parts.after)};
@@ -23,12 +16,6 @@ void UpperCase(std::string& text) { UpperCase(text.data(), text.size()); }
 
 void LowerCase(std::string& text) {
     std::transform(text.begin(), text.end(), text.begin(), ToLower);
-}
-
-bool EqualIgnoringCase(std::string_view left, std::string_view right) {
-    return left.size() == right.size() &&
-           std::equal(left.begin(), left.end(), right.begin(),
-                      [](char a, char b) { return ToLower(a) == ToLower(b); });
 }
 
 int CompareIgnoringCase(std::string_view left, std::string_view right) {
@@ -53,8 +40,12 @@ std::int32_t DecimalValue(std::string_view text) {
     std::uint64_t value = 0;
     for (; at < text.size() && IsDigit(text[at]); ++at) {
         const auto digit = static_cast<std::uint64_t>(text[at] - '0');
-        value = value > (limit - digit) / 10 ? limit : value * 10 + digit;
-        if (value == limit) break;
+        // Below a tenth of the limit, less 1, another digit fits whatever it is.
+        if (value >= kMost / 10 && value > (limit - digit) / 10) {
+            value = limit;
+            break;
+        }
+        value = value * 10 + digit;
     }
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(negative ? 0 - value : value));
 }

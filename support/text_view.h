@@ -12,23 +12,44 @@ inline std::string_view View(const char* text) {
     return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
-inline bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+inline bool IsBlank(char c) {
+    // Most characters are above the blank, so one comparison decides.
+    return c <= ' ' && (c == ' ' || c == '\t' || c == '\r' || c == '\n');
+}
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 inline bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 inline char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 inline char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 inline std::string_view TrimLeft(std::string_view text) {
-    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-    return text;
+    const char* begin = text.data();
+    const char* const end = begin + text.size();
+    while (begin != end && IsBlank(*begin)) ++begin;
+    return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 inline std::string_view TrimRight(std::string_view text) {
-    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-    return text;
+    std::size_t size = text.size();
+    while (size > 0 && IsBlank(text[size - 1])) --size;
+    return {text.data(), size};
 }
 
 inline std::string_view Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
+
+// The position of the first character for which a test holds. For short texts such as the fields
+// of an entry, this loop is faster than the library's searches, which are made for long ones.
+template <class Test>
+std::size_t FindFirst(std::string_view text, Test test) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (test(text[i])) return i;
+    }
+    return std::string_view::npos;
+}
+
+// The position of the first space, tab or line feed.
+inline std::size_t FindSpace(std::string_view text) {
+    return FindFirst(text, [](char c) { return c == ' ' || c == '\t' || c == '\n'; });
+}
 
 // A text cut in two at a character, which neither part holds.
 struct Parts {
@@ -40,7 +61,7 @@ struct Parts {
 // part after is the whole text; the readers rely on that for malformed statements.
 inline Parts CutAt(std::string_view text, std::size_t position) {
     if (position == std::string_view::npos) return {{}, text};
-    return {text.substr(0, position), text.substr(position + 1)};
+    return {{text.data(), position}, {text.data() + position + 1, text.size() - position - 1}};
 }
 
 inline Parts CutAt(std::string_view text, char character) {
@@ -49,12 +70,9 @@ inline Parts CutAt(std::string_view text, char character) {
 
 // Cuts at a character and trims the part before on its right, the part after on its left.
 inline Parts CutTrimmed(std::string_view text, char character) {
-    const Parts parts = CutAt(text, character);
+    const Parts parts = CutAt(text, FindFirst(text, [&](char c) { return c == character; }));
     return {TrimRight(parts.before), TrimLeft(parts.after)};
 }
-
-// The position of the first space, tab or line feed.
-std::size_t FindSpace(std::string_view text);
 
 // Cuts at the first space, tab or line feed, trimmed as CutTrimmed does.
 Parts CutWord(std::string_view text);
@@ -71,7 +89,13 @@ void UpperCase(char* text, std::size_t length);
 void UpperCase(std::string& text);
 void LowerCase(std::string& text);
 
-bool EqualIgnoringCase(std::string_view left, std::string_view right);
+inline bool EqualIgnoringCase(std::string_view left, std::string_view right) {
+    if (left.size() != right.size()) return false;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        if (ToLower(left[i]) != ToLower(right[i])) return false;
+    }
+    return true;
+}
 
 // Compares as strcmp does, with all letters taken as lower case.
 int CompareIgnoringCase(std::string_view left, std::string_view right);

@@ -46,6 +46,9 @@ extern BSCAN_EXPORT FILE* fptrBSDL;
 /// Texts handed in are copied. A stream that is null can be read as little as a file at its end:
 /// a reader that needs a line from it returns bscan::kReadFailed. A null statement gives
 /// bscan::kFailed.
+// The destructor is not virtual although Reset() is: a host destroys a parser as what it made it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 class BSCAN_EXPORT BScanParser {
 public:
     /// Makes a parser with no file, no model and no error handler.
@@ -280,3 +283,4 @@ private:
     std::unique_ptr<bscan::detail::DesignatorIndex> designators_;  // of the selected package
     std::int64_t extra_work_ = 0;  // what repeated attributes have cost beyond their text
 };
+#pragma GCC diagnostic pop
