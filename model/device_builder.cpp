@@ -103,8 +103,8 @@ void DeviceBuilder::AllocateCells(int length) {
 // The lists stay, since a host may hold pointers to them; the cells in them are about to go.
 void DeviceBuilder::EmptyCellLists() {
     for (LObject* const object : ListAccess::Objects(device_.pins_)) {
-        const auto* const node = static_cast<LPinNode*>(object);
-        if (node != nullptr && node->cells_ != nullptr) ListAccess::Objects(*node->cells_).clear();
+        auto* const node = static_cast<LPinNode*>(object);
+        if (node != nullptr && node->cells_) ListAccess::Objects(*node->cells_).clear();
     }
 }
 

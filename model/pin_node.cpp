@@ -62,15 +62,17 @@ int LPinNode::GetVectorIndex() const { return vector_index_; }
 void LPinNode::SetPortValue(eSignal value) { value_ = value; }
 eSignal LPinNode::GetPortValue() const { return value_; }
 
-LObjList* LPinNode::GetBScanCells() const { return cells_.get(); }
+// The list is part of the node, which hands it out for writing.
+LObjList* LPinNode::GetBScanCells() const {
+    return cells_ ? const_cast<LObjList*>(&*cells_) : nullptr;
+}
 
 int LPinNode::AssociateBScanCell(LBScanCell* cell) {
     if (cell == nullptr || !Accepts(type_, cell->GetFunction())) return bscan::kFailed;
     return GuardedCode([&]() -> int {
-        if (cells_ == nullptr) {
-            auto cells = std::make_unique<LObjList>();
-            ListAccess::Objects(*cells).reserve(3);  // as many as most ports have
-            cells_ = std::move(cells);
+        if (!cells_) {
+            cells_.emplace();
+            ListAccess::Objects(*cells_).reserve(3);  // as many as most ports have
         }
         ListAccess::Objects(*cells_).push_back(cell);
         return bscan::kOk;
@@ -78,7 +80,7 @@ int LPinNode::AssociateBScanCell(LBScanCell* cell) {
 }
 
 int LPinNode::SetInput(eSignal level) {
-    const CellRoles roles = PickRoles(cells_.get());
+    const CellRoles roles = PickRoles(GetBScanCells());
     if (roles.observe != nullptr) {
         roles.observe->cellValue = AsBit(level);
         return bscan::kOk;
@@ -95,7 +97,7 @@ int LPinNode::SetInput(eSignal level) {
 }
 
 int LPinNode::SetOutput(eSignal level) {
-    const CellRoles roles = PickRoles(cells_.get());
+    const CellRoles roles = PickRoles(GetBScanCells());
     if (roles.control == nullptr || roles.output == nullptr) return bscan::kFailed;
     roles.control->cellValue = roles.output->disableValue == SIG_0 ? SIG_1 : SIG_0;
     roles.output->cellValue = AsBit(level);

@@ -24,7 +24,13 @@ public:
     // by '*', or nothing.
     int Next(std::string_view& line, std::string* comment = nullptr);
 
+    // Delivers the next line that begins with a keyword, and passes over all others.
+    int NextWith(std::string_view keyword, std::string_view& line);
+
 private:
+    int ReadPhysical();
+    std::string_view Clean(std::string* comment) const;
+
     FILE* file_;
     std::int64_t& lines_;
     char buffer_[kPhysicalRead + 1];

@@ -47,8 +47,7 @@ int PackagePass::Read() {
 int PackagePass::FindPinMap(std::string& first_line, std::string& statement) {
     for (;;) {
         std::string_view line;
-        if (reader_.NextLine(line) != kOk) return kNoPinMapInFile;
-        if (!line.starts_with("constant")) continue;
+        if (reader_.NextLineWith("constant", line) != kOk) return kNoPinMapInFile;
         first_line.assign(line);
         statement.assign(line);
         const int result = reader_.Complete(statement, Terminator::Text(":="));
@@ -63,18 +62,19 @@ int PackagePass::FindPinMap(std::string& first_line, std::string& statement) {
 // False when there is no pin, or the first one has no letter: then designators are numbers already.
 bool PackagePass::CollectPins(std::string_view value, std::vector<PIN_NAME>& pins) const {
     bool any = false;
+    std::string letters;
     std::string digits;
     PinMapCutter cutter(value);
     for (PinMapEntry entry; cutter.Next(entry);) {
         for (std::string_view pin; TakePin(entry.pins, pin); any = true) {
             if (!any && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
-            PIN_NAME& name = pins.emplace_back();
             digits.clear();
+            letters.clear();
             for (const char c : pin) {
-                if (IsLetter(c)) name.letters.push_back(c);
+                if (IsLetter(c)) letters.push_back(c);
                 if (IsDigit(c)) digits.push_back(c);
             }
-            name.number = static_cast<unsigned short>(DecimalValue(digits));
+            pins.push_back({letters, static_cast<unsigned short>(DecimalValue(digits))});
         }
     }
     return any;

@@ -47,13 +47,11 @@ std::string_view TakeField(std::string_view& body) {
 }
 
 void CutPort(std::string_view field, RegisterFields& fields) {
-    const auto is = [](char sought) { return [sought](char c) { return c == sought; }; };
-    if (FindFirst(field, is('*')) != std::string_view::npos) return;
-    const std::size_t opening = FindFirst(field, is('('));
+    if (Contains(field, '*')) return;
+    const std::size_t opening = Find(field, '(');
     fields.port = TrimRight(field.substr(0, opening));
     if (opening == std::string_view::npos) return;
-    const std::string_view index = field.substr(opening + 1);
-    fields.port_index = DecimalValue(CutAt(index, FindFirst(index, is(')'))).before);
+    fields.port_index = DecimalValue(CutAt(field.substr(opening + 1), ')').before);
 }
 
 }  // namespace
@@ -102,9 +100,12 @@ private:
         const std::size_t begin = at_;
         int depth = 0;
         do {
-            ++at_;
-            while (at_ < value_.size() && value_[at_] != '(' && value_[at_] != ')') ++at_;
-            if (at_ == value_.size()) return kOk;
+            const std::size_t next = Find(value_.substr(at_ + 1), '(', ')');
+            if (next == std::string_view::npos) {
+                at_ = value_.size();
+                return kOk;
+            }
+            at_ += next + 1;
             depth += value_[at_] == '(' ? 1 : -1;
             if (depth < 0) return kBadValue;
         } while (depth > 0 || value_[at_] != ')');
@@ -140,7 +141,7 @@ bool CutRegisterEntry(std::string_view text, RegisterFields& fields) {
     CutPort(TakeField(body), fields);
     fields.function = TakeField(body);
 
-    const std::size_t comma = FindFirst(body, [](char c) { return c == ','; });
+    const std::size_t comma = Find(body, ',');
     std::string_view safe = body;
     if (comma != std::string_view::npos && comma > 0) {
         safe = TakeField(body);

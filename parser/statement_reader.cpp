@@ -9,11 +9,9 @@ namespace {
 
 const Terminator kPieceEnd = Terminator::AnyOf("&;");
 
-bool IsPieceEnd(char c) { return c == '&' || c == ';'; }
-
 // A ';' ends a value only where it is the last character, and the first of its kind.
 bool EndsValue(std::string_view text) {
-    return !text.empty() && text.back() == ';' && text.find(';') == text.size() - 1;
+    return !text.empty() && text.back() == ';' && Find(text, ';') == text.size() - 1;
 }
 
 // The quoted text at the front; nothing without a closing quote.
@@ -67,12 +65,10 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
     int result = lines_.Next(line, comments == Comments::kKeep ? &comment_ : nullptr);
     if (result != kOk) return result;
     ended = EndsValue(line);
-    // The opening quote is mostly the first character.
-    const std::size_t quote = FindFirst(line, [](char c) { return c == '"'; });
-    std::string_view rest = TrimLeft(CutAt(line, quote).after);
+    std::string_view rest = TrimLeft(CutAt(line, '"').after);
     Parts piece = CutAt(rest, '"');
     // What joins two pieces mostly stands behind the closing quote.
-    if (FindFirst(piece.after, IsPieceEnd) == std::string_view::npos && !kPieceEnd.IsIn(rest)) {
+    if (Find(piece.after, '&', ';') == std::string_view::npos && !kPieceEnd.IsIn(rest)) {
         extended_.assign(rest);
         result = Complete(extended_, kPieceEnd);
         if (result != kOk) return result;

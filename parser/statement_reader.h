@@ -45,6 +45,10 @@ public:
         return lines_.Next(line, comment);
     }
 
+    int NextLineWith(std::string_view keyword, std::string_view& line) {
+        return lines_.NextWith(keyword, line);
+    }
+
     // Appends lines to a statement until one holds the terminator; none when the statement holds it
     // already. Only the first line is set off by a blank; the others are joined directly. The
     // terminator is sought in each line by itself, so one that only joining would make is missed.

@@ -1,9 +1,14 @@
 // Cutting, comparing and converting text without copying it.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace bscan::detail {
 
@@ -36,20 +41,29 @@ inline std::string_view TrimRight(std::string_view text) {
 
 inline std::string_view Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
 
-// The position of the first character for which a test holds. For short texts such as the fields
-// of an entry, this loop is faster than the library's searches, which are made for long ones.
-template <class Test>
-std::size_t FindFirst(std::string_view text, Test test) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (test(text[i])) return i;
+// The position of the first of some characters; npos without one. Sixteen characters are looked at in
+// one step, without a call: what is sought here is mostly a few characters away.
+template <class... Characters>
+std::size_t Find(std::string_view text, Characters... sought) {
+    std::size_t at = 0;
+#if defined(__SSE2__)
+    for (; text.size() - at >= sizeof(__m128i); at += sizeof(__m128i)) {
+        __m128i block;
+        std::memcpy(&block, text.data() + at, sizeof block);
+        __m128i found = _mm_setzero_si128();
+        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(sought)))), ...);
+        const auto places = static_cast<unsigned>(_mm_movemask_epi8(found));
+        if (places != 0) return at + static_cast<std::size_t>(std::countr_zero(places));
+    }
+#endif
+    for (; at < text.size(); ++at) {
+        if (((text[at] == sought) || ...)) return at;
     }
     return std::string_view::npos;
 }
 
 // The position of the first space, tab or line feed.
-inline std::size_t FindSpace(std::string_view text) {
-    return FindFirst(text, [](char c) { return c == ' ' || c == '\t' || c == '\n'; });
-}
+inline std::size_t FindSpace(std::string_view text) { return Find(text, ' ', '\t', '\n'); }
 
 // A text cut in two at a character, which neither part holds.
 struct Parts {
@@ -65,12 +79,12 @@ inline Parts CutAt(std::string_view text, std::size_t position) {
 }
 
 inline Parts CutAt(std::string_view text, char character) {
-    return CutAt(text, text.find(character));
+    return CutAt(text, Find(text, character));
 }
 
 // Cuts at a character and trims the part before on its right, the part after on its left.
 inline Parts CutTrimmed(std::string_view text, char character) {
-    const Parts parts = CutAt(text, FindFirst(text, [&](char c) { return c == character; }));
+    const Parts parts = CutAt(text, character);
     return {TrimRight(parts.before), TrimLeft(parts.after)};
 }
 
@@ -82,7 +96,7 @@ inline bool Contains(std::string_view text, std::string_view sought) {
 }
 
 inline bool Contains(std::string_view text, char sought) {
-    return text.find(sought) != std::string_view::npos;
+    return Find(text, sought) != std::string_view::npos;
 }
 
 void UpperCase(char* text, std::size_t length);
@@ -92,7 +106,7 @@ void LowerCase(std::string& text);
 inline bool EqualIgnoringCase(std::string_view left, std::string_view right) {
     if (left.size() != right.size()) return false;
     for (std::size_t i = 0; i < left.size(); ++i) {
-        if (ToLower(left[i]) != ToLower(right[i])) return false;
+        if (left[i] != right[i] && ToLower(left[i]) != ToLower(right[i])) return false;
     }
     return true;
 }

@@ -8,7 +8,6 @@
 #include <bscan/object_list.h>
 #include <bscan/signal.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -113,7 +112,7 @@ private:
     std::optional<std::string> pin_name_;
     PortType type_ = PORT_NONE;
     eSignal value_ = SIG_X;
-    std::unique_ptr<LObjList> cells_;
+    std::optional<LObjList> cells_;
     bool positive_ = false;
     bool negative_ = false;
 
