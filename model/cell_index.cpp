@@ -1,8 +1,8 @@
 #include "model/cell_index.h"
 
-#include "support/text_view.h"
-
 #include <bscan/boundary_cell.h>
+
+#include "support/text_view.h"
 
 #include <algorithm>
 #include <functional>
@@ -36,7 +36,8 @@ void CellColumn::Learn(const LBScanCell* cells, int count) {
     next_.assign(static_cast<std::size_t>(count), -1);
     for (int position = 0; position < count; ++position) {
         Bearers& bearers = Under((cells[position].*name_)());
-        (bearers.last < 0 ? bearers.first : next_[static_cast<std::size_t>(bearers.last)]) = position;
+        (bearers.last < 0 ? bearers.first : next_[static_cast<std::size_t>(bearers.last)]) =
+            position;
         bearers.last = position;
     }
     known_ = true;
@@ -74,6 +75,7 @@ int CellColumn::First(std::string_view name, const LBScanCell* cells, int count)
     const int number = names_.Find(folded_);
     if (number == NameTable::kNone) return -1;
     Bearers& bearers = bearers_[static_cast<std::size_t>(number)];
+    if (renamed_ == 0) return bearers.first;
     int& first = bearers.first;
     while (first >= 0 && !Bears(cells[first], folded_)) {
         first = next_[static_cast<std::size_t>(first)];
@@ -103,9 +105,7 @@ int CellIndex::WithOriginalName(std::string_view name) {
     return original_names_.First(name, cells_, count_);
 }
 
-int CellIndex::PositionOf(const LBScanCell& cell) const {
-    return static_cast<int>(&cell - cells_);
-}
+int CellIndex::PositionOf(const LBScanCell& cell) const { return static_cast<int>(&cell - cells_); }
 
 void CellIndex::PinNameSet(const LBScanCell& cell) noexcept {
     pin_names_.Renamed(cells_, PositionOf(cell));

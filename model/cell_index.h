@@ -27,7 +27,7 @@ public:
 
 private:
     struct Bearers {
-        int first = -1;          // lowest of those learned; next_ leads on
+        int first = -1;  // lowest of those learned; next_ leads on
         int last = -1;
         std::vector<int> later;  // renamed since: a heap with the lowest position on top
     };

@@ -1,5 +1,7 @@
 #include "model/cell_roles.h"
 
+#include <bscan/result.h>
+
 #include "support/list_access.h"
 #include "support/text_view.h"
 
@@ -18,6 +20,9 @@ constexpr FunctionSet kDrive = Bit(OUTPUT2) | Bit(OUTPUT3) | Bit(BIDIR_OUT) | Bi
 bool Holds(FunctionSet set, CellFunction function) {
     return function >= INPUT && function < FUNCTION_NONE && (set >> function & 1U) != 0;
 }
+
+// A level as a cell takes it: SIG_1, or SIG_0 for everything else.
+eSignal AsBit(eSignal level) { return level == SIG_1 ? SIG_1 : SIG_0; }
 
 struct Mode {
     std::string_view text;
@@ -38,10 +43,17 @@ struct FunctionText {
 };
 
 constexpr FunctionText kFunctions[] = {
-    {"INPUT", INPUT},         {"CLOCK", CLOCK},     {"OUTPUT2", OUTPUT2},
-    {"OUTPUT3", OUTPUT3},     {"CONTROL", CONTROL}, {"CONTROLR", CONTROLR},
-    {"INTERNAL", INTERNAL},   {"BIDIR", BIDIR},     {"BIDIR_IN", BIDIR_IN},
-    {"BIDIR_OUT", BIDIR_OUT}, {"OBSERVE_ONLY", OBSERVE_ONLY},
+    {"INPUT", INPUT},
+    {"CLOCK", CLOCK},
+    {"OUTPUT2", OUTPUT2},
+    {"OUTPUT3", OUTPUT3},
+    {"CONTROL", CONTROL},
+    {"CONTROLR", CONTROLR},
+    {"INTERNAL", INTERNAL},
+    {"BIDIR", BIDIR},
+    {"BIDIR_IN", BIDIR_IN},
+    {"BIDIR_OUT", BIDIR_OUT},
+    {"OBSERVE_ONLY", OBSERVE_ONLY},
 };
 
 }  // namespace
@@ -61,6 +73,36 @@ CellRoles PickRoles(const LObjList* cells) {
         if (roles.observe == nullptr && function == OBSERVE_ONLY) roles.observe = cell;
     }
     return roles;
+}
+
+int Receive(PortType mode, const CellRoles& roles, eSignal level) {
+    if (roles.observe != nullptr) {
+        roles.observe->cellValue = AsBit(level);
+        return kOk;
+    }
+    if (roles.input == nullptr) return kFailed;
+    roles.input->cellValue = AsBit(level);
+    if (mode != PORT_INOUT) return kOk;
+    if (roles.control == nullptr || roles.output == nullptr) return kFailed;
+    roles.control->cellValue = roles.output->disableValue;
+    if (roles.output == roles.input) return kOk;
+    const eSignal idle = roles.output->disableResult;
+    roles.output->cellValue = idle == SIG_PULL1 || idle == SIG_WEAK1 ? SIG_1 : SIG_0;
+    return kOk;
+}
+
+int Drive(PortType mode, const CellRoles& roles, eSignal level) {
+    if (roles.control == nullptr || roles.output == nullptr) return kFailed;
+    roles.control->cellValue = roles.output->disableValue == SIG_0 ? SIG_1 : SIG_0;
+    roles.output->cellValue = AsBit(level);
+    return mode == PORT_INOUT && roles.input == nullptr ? kFailed : kOk;
+}
+
+int Request(PortType mode, const CellRoles& roles, PortType direction, eSignal level) {
+    const bool only_drives = mode == PORT_OUT || mode == PORT_BUFFER;
+    if (direction == PORT_IN && !only_drives) return Receive(mode, roles, level);
+    if (direction == PORT_OUT && mode != PORT_IN) return Drive(mode, roles, level);
+    return kFailed;
 }
 
 bool CanReceive(CellFunction function) { return Holds(kReceive, function); }

@@ -20,6 +20,14 @@ struct CellRoles {
 // The roles in a list of cells, which may be null.
 CellRoles PickRoles(const LObjList* cells);
 
+// Lets a port of some mode receive, or drive, through its cells: 0, or -1 when one that it needs is
+// missing.
+int Receive(PortType mode, const CellRoles& roles, eSignal level);
+int Drive(PortType mode, const CellRoles& roles, eSignal level);
+
+// Receives for PORT_IN and drives for PORT_OUT where the mode allows it; else -1.
+int Request(PortType mode, const CellRoles& roles, PortType direction, eSignal level);
+
 // Whether a cell's function lets it receive what the pin shows.
 bool CanReceive(CellFunction function);
 
@@ -34,8 +42,5 @@ CellFunction FunctionFromText(std::string_view text, CellFunction otherwise);
 
 // The cell type that a text names, letter case ignored.
 CellType CellTypeFromText(std::string_view text);
-
-// A level as a cell takes it: SIG_1, or SIG_0 for everything else.
-inline eSignal AsBit(eSignal level) { return level == SIG_1 ? SIG_1 : SIG_0; }
 
 }  // namespace bscan::detail

@@ -1,12 +1,12 @@
 #include "model/device_builder.h"
 
+#include <bscan/limits.h>
+#include <bscan/result.h>
+
 #include "model/cell_roles.h"
 #include "model/device_index.h"
 #include "support/list_access.h"
 #include "support/text_view.h"
-
-#include <bscan/limits.h>
-#include <bscan/result.h>
 
 #include <algorithm>
 #include <charconv>

@@ -12,12 +12,12 @@ namespace bscan::detail {
 // One entry of the boundary register.
 struct CellFields {
     int number = 0;
-    std::optional<std::string_view> type;      // none keeps the cell's type
-    std::string_view port;                     // in upper case; empty for none
+    std::optional<std::string_view> type;  // none keeps the cell's type
+    std::string_view port;                 // in upper case; empty for none
     int port_index = 0;
     std::optional<std::string_view> function;  // none keeps the cell's function
     eSignal safe = SIG_X;
-    int control = -1;                          // negative for none
+    int control = -1;  // negative for none
     eSignal disable_value = SIG_0;
     eSignal disable_result = SIG_Z;
     eSignal value = SIG_X;

@@ -1,4 +1,6 @@
 #include <bscan/device_pin_map.h>
+#include <bscan/result.h>
+#include <bscan/text.h>
 
 #include "model/cell_roles.h"
 #include "model/device_builder.h"
@@ -6,9 +8,6 @@
 #include "support/border.h"
 #include "support/list_access.h"
 #include "support/text_view.h"
-
-#include <bscan/result.h>
-#include <bscan/text.h>
 
 #include <cstdlib>
 #include <new>
@@ -35,6 +34,7 @@ BScanPinMap::BScanPinMap() : index_(new (std::nothrow) DeviceIndex(pins_)) {}
 BScanPinMap::~BScanPinMap() {
     default_directory_.reset();
     bits_.reset();
+    index_.reset();
     while (!pins_.IsEmpty()) delete pins_.RemoveTail();
     cells_.reset();
 }
@@ -73,9 +73,8 @@ void BScanPinMap::AllocateBScanCellTable(int length) {
 }
 
 int BScanPinMap::AddNewRegister(int cellNumber, char* cellType, char* portName, int portIndex,
-                                char* function, eSignal safe, int controlCell,
-                                eSignal disableValue, eSignal disableResult, eSignal value,
-                                const char* originalPinName) {
+                                char* function, eSignal safe, int controlCell, eSignal disableValue,
+                                eSignal disableResult, eSignal value, const char* originalPinName) {
     // A refused cell leaves the caller's texts alone, too.
     if (portName == nullptr || GetBScanCell(cellNumber) == nullptr || controlCell >= length_) {
         return bscan::kFailed;
@@ -83,10 +82,9 @@ int BScanPinMap::AddNewRegister(int cellNumber, char* cellType, char* portName, 
     const std::string_view port = UpperCased(portName);
     strupr(function);
     return GuardedCode([&] {
-        return DeviceBuilder(*this).AddCell({cellNumber, OptionalView(cellType), port, portIndex,
-                                             OptionalView(function), safe, controlCell,
-                                             disableValue, disableResult, value,
-                                             OptionalView(originalPinName)});
+        return DeviceBuilder(*this).AddCell(
+            {cellNumber, OptionalView(cellType), port, portIndex, OptionalView(function), safe,
+             controlCell, disableValue, disableResult, value, OptionalView(originalPinName)});
     });
 }
 

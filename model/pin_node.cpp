@@ -79,36 +79,12 @@ int LPinNode::AssociateBScanCell(LBScanCell* cell) {
     });
 }
 
-int LPinNode::SetInput(eSignal level) {
-    const CellRoles roles = PickRoles(GetBScanCells());
-    if (roles.observe != nullptr) {
-        roles.observe->cellValue = AsBit(level);
-        return bscan::kOk;
-    }
-    if (roles.input == nullptr) return bscan::kFailed;
-    roles.input->cellValue = AsBit(level);
-    if (type_ != PORT_INOUT) return bscan::kOk;
-    if (roles.control == nullptr || roles.output == nullptr) return bscan::kFailed;
-    roles.control->cellValue = roles.output->disableValue;
-    if (roles.output == roles.input) return bscan::kOk;
-    const eSignal idle = roles.output->disableResult;
-    roles.output->cellValue = idle == SIG_PULL1 || idle == SIG_WEAK1 ? SIG_1 : SIG_0;
-    return bscan::kOk;
-}
+int LPinNode::SetInput(eSignal level) { return Receive(type_, PickRoles(GetBScanCells()), level); }
 
-int LPinNode::SetOutput(eSignal level) {
-    const CellRoles roles = PickRoles(GetBScanCells());
-    if (roles.control == nullptr || roles.output == nullptr) return bscan::kFailed;
-    roles.control->cellValue = roles.output->disableValue == SIG_0 ? SIG_1 : SIG_0;
-    roles.output->cellValue = AsBit(level);
-    return type_ == PORT_INOUT && roles.input == nullptr ? bscan::kFailed : bscan::kOk;
-}
+int LPinNode::SetOutput(eSignal level) { return Drive(type_, PickRoles(GetBScanCells()), level); }
 
 int LPinNode::SetBScanCell(PortType direction, eSignal level) {
-    const bool drives = type_ == PORT_OUT || type_ == PORT_BUFFER;
-    if (direction == PORT_IN && !drives) return SetInput(level);
-    if (direction == PORT_OUT && type_ != PORT_IN) return SetOutput(level);
-    return bscan::kFailed;
+    return Request(type_, PickRoles(GetBScanCells()), direction, level);
 }
 
 void LPinNode::SetPositive(bool positive) { positive_ = positive; }

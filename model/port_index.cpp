@@ -1,9 +1,8 @@
 #include "model/port_index.h"
 
-#include "support/list_access.h"
-#include "support/text_view.h"
-
 #include <bscan/pin_node.h>
+
+#include "support/text_view.h"
 
 #include <algorithm>
 #include <string>
@@ -23,7 +22,9 @@ bool IsUpper(std::string_view name) {
 
 }  // namespace
 
-PortIndex::PortIndex(LObjList& list) : list_(list) {}
+PortIndex::PortIndex(LObjList& list) : list_(list) { ListAccess::SetOwner(list_, this); }
+
+PortIndex::~PortIndex() { ListAccess::SetOwner(list_, nullptr); }
 
 const char* PortIndex::PortNameOf(const LPinNode& node) {
     return node.port_name_ ? node.port_name_->c_str() : nullptr;
@@ -36,8 +37,7 @@ const char* PortIndex::PinNameOf(const LPinNode& node) {
 int PortIndex::Count() const { return static_cast<int>(ListAccess::Objects(list_).size()); }
 
 LPinNode* PortIndex::Node(int position) const {
-    return static_cast<LPinNode*>(
-        ListAccess::Objects(list_)[static_cast<std::size_t>(position)]);
+    return static_cast<LPinNode*>(ListAccess::Objects(list_)[static_cast<std::size_t>(position)]);
 }
 
 void PortIndex::GiveUp() {
@@ -51,15 +51,13 @@ void PortIndex::GiveUp() {
     pin_numbers_known_ = false;
 }
 
-// A host may take elements off the list; their positions then mean nothing any more.
-void PortIndex::CheckList() {
-    if (removals_ == ListAccess::Removals(list_)) return;
-    removals_ = ListAccess::Removals(list_);
+void PortIndex::Removed(LObject* object) {
+    auto* const node = static_cast<LPinNode*>(object);
+    if (node != nullptr && node->index_ == this) node->index_ = nullptr;
     GiveUp();
 }
 
 void PortIndex::Added(std::optional<std::string_view> name, const PortRun& run) noexcept {
-    CheckList();
     PinNamesChanged();
     PinNumbersChanged();
     if (!name || run.first != indexed_) return;
@@ -153,7 +151,6 @@ LPinNode* PortIndex::FirstByName(int known, Matches matches) {
 }
 
 LPinNode* PortIndex::FirstNamed(std::string_view name) {
-    CheckList();
     const PortRuns* const same = Folded(name);
     return FirstByName(same == nullptr ? -1 : same->First(), [&](LPinNode& node) {
         if (!node.port_name_) return Step::kNext;
@@ -163,7 +160,6 @@ LPinNode* PortIndex::FirstNamed(std::string_view name) {
 }
 
 LPinNode* PortIndex::FirstNamed(std::string_view name, int vector_index) {
-    CheckList();
     const PortRuns* const same = Folded(name);
     const int known = same == nullptr ? -1 : same->FirstWithIndex(vector_index);
     return FirstByName(known, [&](LPinNode& node) {
@@ -191,8 +187,7 @@ int PortIndex::NthSpelled(std::string_view name, int k) const {
 }
 
 LPinNode* PortIndex::NthNamed(std::string_view name, int k) {
-    CheckList();
-    if (k < 0) return nullptr;
+    if (k < 0 || k >= Count()) return nullptr;
     if (exposed_names_.sorted.empty() && indexed_ == Count()) {
         const int position = NthSpelled(name, k);
         return position < 0 ? nullptr : Node(position);
@@ -221,7 +216,6 @@ void PortIndex::LearnPinNames() {
 }
 
 LPinNode* PortIndex::WithPinName(std::string_view name) {
-    CheckList();
     int candidate = indexed_;
     try {
         LearnPinNames();
@@ -231,9 +225,12 @@ LPinNode* PortIndex::WithPinName(std::string_view name) {
         GiveUp();
         candidate = indexed_;
     }
-    return FirstOf(candidate, exposed_pin_names_, [&](LPinNode& node) {
-        return node.pin_name_ && Text(node.pin_name_) == name ? Step::kFound : Step::kNext;
-    }).node;
+    return FirstOf(candidate, exposed_pin_names_,
+                   [&](LPinNode& node) {
+                       return node.pin_name_ && Text(node.pin_name_) == name ? Step::kFound
+                                                                             : Step::kNext;
+                   })
+        .node;
 }
 
 void PortIndex::LearnPinNumbers() {
@@ -248,7 +245,6 @@ void PortIndex::LearnPinNumbers() {
 }
 
 LPinNode* PortIndex::WithPinNumber(int number) {
-    CheckList();
     if (number < 1 || number > Count()) return nullptr;
     if (indexed_ == Count()) {
         try {

@@ -1,10 +1,11 @@
 // Finding port elements by name, pin name and pin number without walking the pin list.
 #pragma once
 
-#include "model/port_runs.h"
-#include "support/name_table.h"
-
 #include <bscan/object_list.h>
+
+#include "model/port_runs.h"
+#include "support/list_access.h"
+#include "support/name_table.h"
 
 #include <optional>
 #include <string_view>
@@ -25,9 +26,12 @@ namespace bscan::detail {
 //   Up to `upper_until_` that is done already, so all lookups together do it once.
 //
 // When memory for the index is short it gives up and every lookup walks.
-class PortIndex {
+class PortIndex final : private ListOwner {
 public:
     explicit PortIndex(LObjList& list);
+    PortIndex(const PortIndex&) = delete;
+    PortIndex& operator=(const PortIndex&) = delete;
+    ~PortIndex();
 
     // Takes in elements just appended to the list. No name means that they have none.
     void Added(std::optional<std::string_view> name, const PortRun& run) noexcept;
@@ -71,7 +75,6 @@ private:
 
     int Count() const;
     LPinNode* Node(int position) const;
-    void CheckList();
     void GiveUp();
     SameName& Same(std::string_view name);
     void Expose(Positions& exposed, int position);
@@ -88,8 +91,10 @@ private:
     template <class Matches>
     LPinNode* FirstByName(int known, Matches matches);
 
+    // A host has taken an element off the list: it is no longer ours, and positions mean nothing.
+    void Removed(LObject* object) override;
+
     LObjList& list_;
-    unsigned removals_ = 0;
     int indexed_ = 0;  // the index speaks for the elements before this position
 
     NameTable names_;

@@ -23,10 +23,8 @@ void PortRuns::Add(const PortRun& run) {
 
 int PortRuns::At(int k) const {
     if (k < 0) return -1;
-    const Item* const found =
-        std::partition_point(begin(), end(), [&](const Item& item) {
-            return item.before + item.run.count <= k;
-        });
+    const Item* const found = std::partition_point(
+        begin(), end(), [&](const Item& item) { return item.before + item.run.count <= k; });
     return found == end() ? -1 : found->run.first + (k - found->before);
 }
 

@@ -1,10 +1,10 @@
 // Driving and observing the device's pins through the bits of its boundary register.
 
-#include "model/cell_roles.h"
-#include "support/list_access.h"
-
 #include <bscan/device_pin_map.h>
 #include <bscan/result.h>
+
+#include "model/cell_roles.h"
+#include "support/list_access.h"
 
 #include <cstring>
 
@@ -21,9 +21,7 @@ bool IsDriving(const LBScanCell& cell) {
 }
 
 // What a bidirectional cell shows while it receives: it cannot tell a 0 from a floating pin.
-eSignal Received(eSignal value) {
-    return value == SIG_X || value == SIG_1 ? value : SIG_Z;
-}
+eSignal Received(eSignal value) { return value == SIG_X || value == SIG_1 ? value : SIG_Z; }
 
 eSignal ValueInCells(const LObjList& cells) {
     eSignal received = SIG_X;
@@ -84,10 +82,12 @@ unsigned char* BScanPinMap::GetBScanBitArray() { return bits_.get(); }
 
 int BScanPinMap::UpdateBScanBitArray(LPinNode* node) {
     if (bits_ == nullptr || node == nullptr) return bscan::kFailed;
-    const CellRoles roles = PickRoles(node->GetBScanCells());
+    return CopyToBits(PickRoles(node->GetBScanCells()));
+}
+
+int BScanPinMap::CopyToBits(const CellRoles& roles) {
     int result = bscan::kOk;
-    for (const LBScanCell* const cell :
-         {roles.input, roles.output, roles.control, roles.observe}) {
+    for (const LBScanCell* const cell : {roles.input, roles.output, roles.control, roles.observe}) {
         if (cell != nullptr) result = SetBit(cell->GetBoundaryCellPosition(), cell->cellValue);
     }
     return result;
@@ -98,8 +98,10 @@ int BScanPinMap::setPort(int pin, PortType direction, eSignal value) {
     if (node == nullptr) return bscan::kFailed;
     node->SetPortValue(value);
     if (IsEmpty(node->GetBScanCells())) return bscan::kOk;
-    const int result = node->SetBScanCell(direction, value);
-    return result < 0 ? result : UpdateBScanBitArray(node);
+    const CellRoles roles = PickRoles(node->GetBScanCells());
+    const int result = Request(node->GetPortType(), roles, direction, value);
+    if (result < 0) return result;
+    return bits_ == nullptr ? static_cast<int>(bscan::kFailed) : CopyToBits(roles);
 }
 
 int BScanPinMap::setPort(int pin, PortType, eSignal value, bool) {

@@ -1,9 +1,9 @@
 // The dispatch of attributes by their names.
 
+#include <bscan/result.h>
+
 #include "parser/main_pass.h"
 #include "support/text_view.h"
-
-#include <bscan/result.h>
 
 #include <algorithm>
 #include <iterator>
@@ -36,9 +36,9 @@ int MainPass::ReadAttribute(std::string& statement) {
     statement.push_back(' ');
     int result = reader_.Complete(statement, Terminator::Text(" is "));
     if (result != kOk) return result;
-    const auto* const rule = std::find_if(
-        std::begin(kAttributeRules), std::end(kAttributeRules),
-        [&](const AttributeRule& row) { return Contains(statement, row.keyword); });
+    const auto* const rule =
+        std::find_if(std::begin(kAttributeRules), std::end(kAttributeRules),
+                     [&](const AttributeRule& row) { return Contains(statement, row.keyword); });
     if (rule == std::end(kAttributeRules)) {
         return reader_.Complete(statement, Terminator::Text(";"));
     }

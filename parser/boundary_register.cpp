@@ -1,33 +1,29 @@
 // The boundary register: its value is read whole, cut into entries, and then registered.
 
+#include <bscan/result.h>
+
 #include "model/device_builder.h"
 #include "parser/main_pass.h"
 #include "parser/register_text.h"
 #include "support/text_view.h"
 
-#include <bscan/result.h>
-
-#include <vector>
-
 namespace bscan::detail {
 
 int MainPass::ReadBoundaryRegister(std::string& statement) {
     value_.clear();
-    const int result =
-        reader_.ReadStringValue(ValueStart(statement), Comments::kKeep, value_);
+    const int result = reader_.ReadStringValue(ValueStart(statement), Comments::kKeep, value_);
     return result == kOk ? RegisterCells(value_) : result;
 }
 
 int MainPass::RegisterCells(std::string_view value) {
-    std::vector<RegisterEntry> entries;
-    int result = CutRegister(value, entries);
-    if (result != kOk) return result;
+    if (!IsRegister(value)) return kBadValue;
     if (parser_.pin_map_ == nullptr) return kFailed;
-    for (const RegisterEntry& entry : entries) {
+    int result = kOk;
+    RegisterCutter cutter(value);
+    for (RegisterEntry entry; result == kOk && cutter.Next(entry);) {
         RegisterFields fields;
         result = CutRegisterEntry(entry.text, fields) ? RegisterCell(fields, entry.remark)
                                                       : static_cast<int>(kBadValue);
-        if (result != kOk) break;
     }
     // The pairs are completed from the cells that there are, even after a failure.
     CompletePairs();

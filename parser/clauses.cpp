@@ -1,12 +1,12 @@
 // The generic and port clauses, which make the ports of the device.
 
+#include <bscan/result.h>
+
 #include "model/device_builder.h"
 #include "parser/designator_index.h"
 #include "parser/main_pass.h"
 #include "parser/port_text.h"
 #include "support/text_view.h"
-
-#include <bscan/result.h>
 
 #include <cstdlib>
 #include <new>

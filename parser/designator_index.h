@@ -1,9 +1,9 @@
 // The numbers of the pins of one package.
 #pragma once
 
-#include "support/name_table.h"
-
 #include <bscan/package_pin_map.h>
+
+#include "support/name_table.h"
 
 #include <string_view>
 #include <vector>

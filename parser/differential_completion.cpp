@@ -1,20 +1,23 @@
 // Gives the negative legs of the differential pairs working cells.
 //
-// A file describes the cells of the positive leg only, and marks the cell of the negative leg with a
-// comment that names it. That cell becomes a copy of the positive leg's cell, and the cell in front
-// of it a copy of the positive leg's control cell.
+// A file describes the cells of the positive leg only, and marks the cell of the negative leg with
+// a comment that names it. That cell becomes a copy of the positive leg's cell, and the cell in
+// front of it a copy of the positive leg's control cell.
+
+#include <bscan/result.h>
 
 #include "model/device_builder.h"
 #include "parser/main_pass.h"
 
 #include <cstring>
+#include <new>
 
 namespace bscan::detail {
 
 void MainPass::CompletePairs() {
     for (CDifferentialPair& pair : parser_.differential_pairs_) {
-        const std::size_t text = std::strlen(pair.GetPositiveElement()) +
-                                 std::strlen(pair.GetNegativeElement());
+        const std::size_t text =
+            std::strlen(pair.GetPositiveElement()) + std::strlen(pair.GetNegativeElement());
         if (!ChargeExtraWork(static_cast<std::int64_t>(text))) return;
         if (!CompletePair(pair)) return DropPairs();
     }
@@ -29,7 +32,7 @@ bool MainPass::CompletePair(CDifferentialPair& pair) {
     if (negative == nullptr) return false;
 
     const int position = negative->GetBoundaryCellPosition();
-    LBScanCell* const control = device.GetBScanCell(position - 1);
+    LBScanCell* const control = position < 1 ? nullptr : device.GetBScanCell(position - 1);
     if (control == nullptr || positive->GetControlCell() == nullptr) return true;
     std::string name = pair.GetNegativeElement();
     if (device.GetPortwName(name.data()) == nullptr) return true;
@@ -45,7 +48,10 @@ bool MainPass::CompletePair(CDifferentialPair& pair) {
 
     LPinNode* const port = DeviceBuilder(device).PortOfPinName(*negative);
     negative->SetPinNode(port);
-    if (port != nullptr) port->AssociateBScanCell(negative);
+    // A port that does not take the cell goes without it.
+    if (port != nullptr && port->AssociateBScanCell(negative) == kOutOfMemory) {
+        throw std::bad_alloc();
+    }
     return true;
 }
 

@@ -1,10 +1,10 @@
 // Messages that a host reports.
 
+#include <bscan/parser.h>
+
 #include "parser/designator_index.h"
 #include "support/border.h"
 #include "support/text_view.h"
-
-#include <bscan/parser.h>
 
 #include <array>
 

@@ -1,8 +1,8 @@
 #include "parser/main_file.h"
 
-#include "support/file.h"
-
 #include <bscan/parser.h>
+
+#include "support/file.h"
 
 #include <utility>
 

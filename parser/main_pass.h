@@ -1,9 +1,9 @@
 // The readers of the main pass.
 #pragma once
 
-#include "parser/statement_reader.h"
-
 #include <bscan/parser.h>
+
+#include "parser/statement_reader.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -15,8 +15,8 @@ namespace bscan::detail {
 struct NameListEntry;
 struct RegisterFields;
 
-// Reads statements from a stream into a parser's model. Each reader takes the statement as far as it
-// has been read, may extend it, and returns 0 or a negative code. It throws when memory is
+// Reads statements from a stream into a parser's model. Each reader takes the statement as far as
+// it has been read, may extend it, and returns 0 or a negative code. It throws when memory is
 // exhausted; what was read before stays.
 class MainPass {
 public:

@@ -1,8 +1,8 @@
 #include "parser/name_list_text.h"
 
-#include "support/text_view.h"
-
 #include <bscan/result.h>
+
+#include "support/text_view.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 // The attributes that are lists of names: instruction opcodes and register access.
 
+#include <bscan/result.h>
+
 #include "parser/main_pass.h"
 #include "parser/name_list_text.h"
-
-#include <bscan/result.h>
 
 #include <utility>
 

@@ -1,5 +1,7 @@
 #include "parser/package_pass.h"
 
+#include <bscan/result.h>
+
 #include "parser/constant_text.h"
 #include "parser/designator_index.h"
 #include "parser/pin_map_text.h"
@@ -7,8 +9,6 @@
 #include "support/file.h"
 #include "support/list_access.h"
 #include "support/text_view.h"
-
-#include <bscan/result.h>
 
 #include <algorithm>
 #include <utility>
@@ -23,8 +23,7 @@ constexpr int kNoPinMapInFile = 1;
 
 int ReadPackage(BScanParser& parser, const char* path) {
     const FilePointer file = OpenForReading(path);
-    return file == nullptr ? static_cast<int>(kCannotOpen)
-                           : PackagePass(parser, file.get()).Read();
+    return file == nullptr ? static_cast<int>(kCannotOpen) : PackagePass(parser, file.get()).Read();
 }
 
 int PackagePass::Read() {

@@ -1,9 +1,9 @@
 // The pass over a file that numbers the pins of its package.
 #pragma once
 
-#include "parser/statement_reader.h"
-
 #include <bscan/parser.h>
+
+#include "parser/statement_reader.h"
 
 #include <cstdio>
 #include <string>

@@ -55,7 +55,7 @@ int BScanParser::Initialize(const char* bsdlFile, const char* defaultDir) {
         if (!OpenMainFile(GetBSDLFilename())) return static_cast<int>(bscan::kFailed);
         result = Reset();
         if (result < 0 || error_handler_ == nullptr) return result;
-        error_handler_->SetDefaultDir(defaultDir);
+        error_handler_->directory_ = *default_directory_;
         std::string name = kErrorList;
         return error_handler_->Initialize(name.data(), 3);
     });
@@ -155,8 +155,9 @@ int BScanParser::GetPackageMapCount() const {
 }
 
 const PackagePinMap* BScanParser::GetPackageMap(int index) const {
-    return package_maps_ == nullptr ? nullptr
-                                    : static_cast<const PackagePinMap*>(package_maps_->GetAt(index));
+    return package_maps_ == nullptr
+               ? nullptr
+               : static_cast<const PackagePinMap*>(package_maps_->GetAt(index));
 }
 
 std::int64_t BScanParser::GetLineNumber() const { return line_number_; }

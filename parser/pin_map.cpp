@@ -1,13 +1,13 @@
 // Constants, and the pin map strings that bond ports to package pins.
 
+#include <bscan/result.h>
+
 #include "model/device_builder.h"
 #include "parser/constant_text.h"
 #include "parser/designator_index.h"
 #include "parser/main_pass.h"
 #include "parser/pin_map_text.h"
 #include "support/text_view.h"
-
-#include <bscan/result.h>
 
 namespace bscan::detail {
 

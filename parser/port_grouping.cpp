@@ -1,10 +1,10 @@
 // The differential pairs of the PORT_GROUPING attribute.
 
+#include <bscan/result.h>
+
 #include "parser/main_pass.h"
 #include "parser/port_group_text.h"
 #include "support/text_view.h"
-
-#include <bscan/result.h>
 
 #include <algorithm>
 #include <vector>
@@ -52,10 +52,8 @@ void MainPass::AddPair(std::string_view positive, std::string_view negative) {
     pair.positive_element_.assign(positive);
     pair.negative_element_.assign(negative);
     // The lookups turn the names into upper case, in which the pair keeps them.
-    LPinNode* const positive_node =
-        parser_.pin_map_->GetPortwName(pair.positive_element_.data());
-    LPinNode* const negative_node =
-        parser_.pin_map_->GetPortwName(pair.negative_element_.data());
+    LPinNode* const positive_node = parser_.pin_map_->GetPortwName(pair.positive_element_.data());
+    LPinNode* const negative_node = parser_.pin_map_->GetPortwName(pair.negative_element_.data());
     parser_.differential_pairs_.push_back(pair);
     if (positive_node != nullptr) positive_node->SetPositive(true);
     if (negative_node != nullptr) negative_node->SetNegative(true);

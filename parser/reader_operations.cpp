@@ -1,11 +1,11 @@
 // The readers as a host calls them: on a stream and a zero-terminated text.
 
+#include <bscan/parser.h>
+
 #include "parser/designator_index.h"
 #include "parser/main_pass.h"
 #include "parser/package_pass.h"
 #include "support/border.h"
-
-#include <bscan/parser.h>
 
 using namespace bscan::detail;
 

@@ -1,8 +1,8 @@
 #include "parser/register_text.h"
 
-#include "support/text_view.h"
-
 #include <bscan/result.h>
+
+#include "support/text_view.h"
 
 namespace bscan::detail {
 namespace {
@@ -30,8 +30,8 @@ constexpr SignalText kDisableResults[] = {{"Z", SIG_Z, Letters::kEither},
 template <std::size_t kRows>
 bool ToSignal(std::string_view text, const SignalText (&rows)[kRows], eSignal& value) {
     for (const SignalText& row : rows) {
-        const bool equal = row.letters == Letters::kExact ? text == row.text
-                                                          : EqualIgnoringCase(text, row.text);
+        const bool equal =
+            row.letters == Letters::kExact ? text == row.text : EqualIgnoringCase(text, row.text);
         if (!equal) continue;
         value = row.value;
         return true;
@@ -56,75 +56,68 @@ void CutPort(std::string_view field, RegisterFields& fields) {
 
 }  // namespace
 
-namespace {
+// False at the end of the value.
+bool RegisterCutter::SkipBlanksAndQuotes() {
+    while (at_ < value_.size() && (IsBlank(value_[at_]) || value_[at_] == '"')) ++at_;
+    return at_ < value_.size();
+}
 
-// Walks over a register's value from one character that matters to the next.
-class RegisterCutter {
-public:
-    RegisterCutter(std::string_view value, std::vector<RegisterEntry>& entries)
-        : value_(value), entries_(entries) {}
+bool RegisterCutter::Stop(bool malformed) {
+    malformed_ = malformed;
+    at_ = value_.size();
+    return false;
+}
 
-    int Cut() {
-        while (SkipBlanksAndQuotes()) {
-            if (value_[at_] == '-') {
-                CutRemark();
-                continue;
-            }
-            const int result = CutEntry();
-            if (result != kOk) return result;
+// Skips remarks, each from the dash that begins it to its '*', and keeps the last. One without '*'
+// is dropped.
+void RegisterCutter::CutRemarks(std::string_view& remark) {
+    while (SkipBlanksAndQuotes() && value_[at_] == '-') {
+        const std::string_view text = value_.substr(at_ + 1);
+        const std::size_t end = Find(text, '*');
+        if (end == std::string_view::npos) {
+            at_ = value_.size();
+            return;
         }
-        return entries_.empty() ? kBadValue : kOk;
+        remark = text.substr(0, end);
+        at_ += end + 2;
     }
+}
 
-private:
-    // False at the end of the value.
-    bool SkipBlanksAndQuotes() {
-        while (at_ < value_.size() && (IsBlank(value_[at_]) || value_[at_] == '"')) ++at_;
-        return at_ < value_.size();
-    }
+// From any character, which is never taken as a parenthesis, through the parenthesis that closes
+// the entry's first one, and the comma behind it. An entry without end is dropped.
+bool RegisterCutter::CutEntry(std::string_view& text) {
+    const std::size_t begin = at_;
+    int depth = 0;
+    do {
+        const std::size_t next = Find(value_.substr(at_ + 1), '(', ')');
+        if (next == std::string_view::npos) return Stop(false);
+        at_ += next + 1;
+        depth += value_[at_] == '(' ? 1 : -1;
+        if (depth < 0) return Stop(true);
+    } while (depth > 0);
+    ++at_;
+    text = value_.substr(begin, at_ - begin);
+    while (at_ < value_.size() && IsBlank(value_[at_])) ++at_;
+    if (at_ < value_.size() && value_[at_++] != ',') malformed_ = true;
+    return true;
+}
 
-    // From the dash that begins it to its '*'. One in front of the first entry belongs to none, one
-    // without '*' is dropped.
-    void CutRemark() {
-        const std::size_t begin = at_ + 1;
-        const std::size_t end = value_.find('*', begin);
-        at_ = value_.size();
-        if (end == std::string_view::npos) return;
-        if (!entries_.empty()) entries_.back().remark = value_.substr(begin, end - begin);
-        at_ = end + 1;
-    }
+bool RegisterCutter::Next(RegisterEntry& entry) {
+    // A remark in front of the first entry belongs to none.
+    std::string_view no_remark;
+    CutRemarks(no_remark);
+    if (malformed_ || at_ >= value_.size() || !CutEntry(entry.text)) return false;
+    entry.remark = {};
+    CutRemarks(entry.remark);
+    return true;
+}
 
-    // From any character, which is never taken as a parenthesis, through the parenthesis that closes
-    // the entry's first one, and the comma behind it. An entry without end is dropped.
-    int CutEntry() {
-        const std::size_t begin = at_;
-        int depth = 0;
-        do {
-            const std::size_t next = Find(value_.substr(at_ + 1), '(', ')');
-            if (next == std::string_view::npos) {
-                at_ = value_.size();
-                return kOk;
-            }
-            at_ += next + 1;
-            depth += value_[at_] == '(' ? 1 : -1;
-            if (depth < 0) return kBadValue;
-        } while (depth > 0 || value_[at_] != ')');
-        ++at_;
-        entries_.push_back({value_.substr(begin, at_ - begin), {}});
-        while (at_ < value_.size() && IsBlank(value_[at_])) ++at_;
-        if (at_ == value_.size()) return kOk;
-        return value_[at_++] == ',' ? kOk : kBadValue;
-    }
-
-    std::string_view value_;
-    std::vector<RegisterEntry>& entries_;
-    std::size_t at_ = 0;
-};
-
-}  // namespace
-
-int CutRegister(std::string_view value, std::vector<RegisterEntry>& entries) {
-    return RegisterCutter(value, entries).Cut();
+bool IsRegister(std::string_view value) {
+    RegisterCutter cutter(value);
+    RegisterEntry entry;
+    bool any = false;
+    while (cutter.Next(entry)) any = true;
+    return any && !cutter.IsMalformed();
 }
 
 void AppendRemark(std::string_view remark, std::string& text) {

@@ -5,7 +5,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace bscan::detail {
 
@@ -16,9 +15,29 @@ struct RegisterEntry {
     std::string_view remark;  // without the dash that begins it and the '*' that ends it
 };
 
-// Cuts the value of a boundary register, with its comments, into entries: 0, or a negative code when
-// it is malformed or holds none.
-int CutRegister(std::string_view value, std::vector<RegisterEntry>& entries);
+// Takes the value of a boundary register, with its comments, apart.
+class RegisterCutter {
+public:
+    explicit RegisterCutter(std::string_view value) : value_(value) {}
+
+    // The next entry and the last of the comments behind it; false when none is left.
+    bool Next(RegisterEntry& entry);
+    // Whether something was met that is no entry. Nothing of such a value may be registered.
+    bool IsMalformed() const { return malformed_; }
+
+private:
+    bool SkipBlanksAndQuotes();
+    void CutRemarks(std::string_view& remark);
+    bool CutEntry(std::string_view& text);
+    bool Stop(bool malformed);
+
+    std::string_view value_;
+    std::size_t at_ = 0;
+    bool malformed_ = false;
+};
+
+// Whether a value is made of entries, at least one.
+bool IsRegister(std::string_view value);
 
 // Leaves out the dashes and the white space of a remark.
 void AppendRemark(std::string_view remark, std::string& text);

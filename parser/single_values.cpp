@@ -1,11 +1,11 @@
 // The attributes with a single value: boundary length, instruction length, instruction capture.
 
+#include <bscan/limits.h>
+#include <bscan/result.h>
+
 #include "model/device_builder.h"
 #include "parser/main_pass.h"
 #include "support/text_view.h"
-
-#include <bscan/limits.h>
-#include <bscan/result.h>
 
 namespace bscan::detail {
 

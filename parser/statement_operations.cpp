@@ -1,11 +1,11 @@
 // The statement reader as a host calls it: on buffers of 1024 characters.
 
+#include <bscan/parser.h>
+
 #include "parser/line_reader.h"
 #include "parser/statement_reader.h"
 #include "support/border.h"
 #include "support/text_view.h"
-
-#include <bscan/parser.h>
 
 #include <algorithm>
 #include <cstring>
@@ -28,7 +28,11 @@ int Extend(char* buffer, std::size_t held, std::string_view text) {
     return text.size() > std::max(held, kRoom) ? bscan::kTextTooLong : bscan::kOk;
 }
 
-int Put(char* buffer, std::string_view text) { return Extend(buffer, 0, text); }
+// Lines and their comments always fit.
+void Put(char* buffer, std::string_view text) {
+    std::memcpy(buffer, text.data(), text.size());
+    buffer[text.size()] = '\0';
+}
 
 int CompleteIn(std::int64_t& lines, FILE* file, char* statement, Terminator terminator) {
     if (statement == nullptr) return bscan::kFailed;
@@ -52,7 +56,8 @@ int BScanParser::GetLine(FILE* file, char* line, char* comment) {
         std::string comment_text;
         const int result = reader.Next(text, comment == nullptr ? nullptr : &comment_text);
         if (comment != nullptr) Put(comment, comment_text);
-        return result == bscan::kOk ? Put(line, text) : result;
+        if (result == bscan::kOk) Put(line, text);
+        return result;
     });
 }
 

@@ -1,8 +1,8 @@
 #include "parser/statement_reader.h"
 
-#include "support/text_view.h"
-
 #include <bscan/result.h>
+
+#include "support/text_view.h"
 
 namespace bscan::detail {
 namespace {

@@ -1,10 +1,10 @@
 // Statements and string values, assembled from lines.
 #pragma once
 
+#include <bscan/limits.h>
+
 #include "parser/line_reader.h"
 #include "support/text_view.h"
-
-#include <bscan/limits.h>
 
 #include <algorithm>
 #include <cstdint>

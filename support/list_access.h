@@ -7,13 +7,22 @@
 
 namespace bscan::detail {
 
+// Whoever owns a list and has to know when a host takes objects off it.
+class ListOwner {
+public:
+    virtual void Removed(LObject* object) = 0;
+
+protected:
+    ~ListOwner() = default;
+};
+
 class ListAccess {
 public:
     static std::vector<LObject*>& Objects(LObjList& list) { return list.objects_; }
     static const std::vector<LObject*>& Objects(const LObjList& list) { return list.objects_; }
 
-    // Rises with every pointer taken off the list.
-    static unsigned Removals(const LObjList& list) { return list.removals_; }
+    // Null for a list that nobody owns.
+    static void SetOwner(LObjList& list, ListOwner* owner) { list.owner_ = owner; }
 };
 
 }  // namespace bscan::detail

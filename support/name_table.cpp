@@ -63,7 +63,8 @@ std::size_t NameTable::Slot(std::string_view name, std::uint32_t hash) const {
         if (slots_[slot] == 0) return slot;
         const Entry& entry = entries_[slots_[slot] - 1];
         if (entry.hash == hash && entry.length == name.size() &&
-            std::memcmp(text_.data() + entry.start, name.data(), name.size()) == 0) {
+            (name.empty() ||
+             std::memcmp(text_.data() + entry.start, name.data(), name.size()) == 0)) {
             return slot;
         }
     }

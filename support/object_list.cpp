@@ -1,6 +1,7 @@
 #include <bscan/object_list.h>
 
 #include "support/border.h"
+#include "support/list_access.h"
 
 LObjList::LObjList() = default;
 LObjList::~LObjList() = default;
@@ -24,6 +25,6 @@ LObject* LObjList::RemoveTail() {
     if (objects_.empty()) return nullptr;
     LObject* const last = objects_.back();
     objects_.pop_back();
-    ++removals_;
+    if (owner_ != nullptr) owner_->Removed(last);
     return last;
 }

@@ -30,7 +30,8 @@ std::size_t Held(int count, std::string_view text) {
 void Append(char* destination, const char* source, int count) {
     if (destination == nullptr) return;
     const std::string_view text = View(source);
-    Place(destination + std::strlen(destination), count <= 0 ? text : text.substr(0, Held(count, text)));
+    Place(destination + std::strlen(destination),
+          count <= 0 ? text : text.substr(0, Held(count, text)));
 }
 
 void Copy(char* destination, const char* source, int count) {

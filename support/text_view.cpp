@@ -10,7 +10,9 @@ Parts CutWord(std::string_view text) {
     return {TrimRight(parts.before), TrimLeft(parts.after)};
 }
 
-void UpperCase(char* text, std::size_t length) { std::transform(text, text + length, text, ToUpper); }
+void UpperCase(char* text, std::size_t length) {
+    std::transform(text, text + length, text, ToUpper);
+}
 
 void UpperCase(std::string& text) { UpperCase(text.data(), text.size()); }
 

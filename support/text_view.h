@@ -41,8 +41,8 @@ inline std::string_view TrimRight(std::string_view text) {
 
 inline std::string_view Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
 
-// The position of the first of some characters; npos without one. Sixteen characters are looked at in
-// one step, without a call: what is sought here is mostly a few characters away.
+// The position of the first of some characters; npos without one. Sixteen characters are looked at
+// in one step, without a call: what is sought here is mostly a few characters away.
 template <class... Characters>
 std::size_t Find(std::string_view text, Characters... sought) {
     std::size_t at = 0;

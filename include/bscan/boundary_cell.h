@@ -109,8 +109,8 @@ public:
 private:
     friend class bscan::detail::DeviceBuilder;
 
-    void CopyFrom(const LBScanCell& other);
-    void NamesSet();
+    BSCAN_LOCAL void CopyFrom(const LBScanCell& other);
+    BSCAN_LOCAL void NamesSet();
 
     std::string pin_name_;
     std::string original_pin_name_;

@@ -16,6 +16,7 @@
 
 namespace bscan::detail {
 class DeviceBuilder;
+struct CellRoles;
 struct DeviceIndex;
 }
 
@@ -51,8 +52,8 @@ public:
     /// @{
 
     /// Appends @p count elements of one name and mode, with vector indexes from 0 upward when
-    /// @p ascending, else down to 0. Nothing for a count below 1, or past bscan::kMaxPortElements or
-    /// bscan::kMaxPortNameText.
+    /// @p ascending, else down to 0. Nothing for a count below 1, or past bscan::kMaxPortElements
+    /// or bscan::kMaxPortNameText.
     void AddNewPorts(char* name, char* mode, int count, bool ascending);
     /// Appends the elements of a vector declared with the range from @p from to @p to, in that
     /// order; vector indexes count from the lower bound. Nothing for a negative bound or past
@@ -122,7 +123,8 @@ public:
     /// @param direction  PORT_OUT or PORT_IN.
     /// @param value  the level; recorded as the port's value even when driving fails.
     /// @return 0, also for a port without cells; -1 for an unknown pin, a direction that the mode
-    ///         refuses, or a port that lacks a cell for it. No bit changes on failure.
+    ///         refuses, or a port that lacks a cell for it (no bit changes then); -1 also when a
+    ///         cell of the port has no position in the register.
     int setPort(int pin, PortType direction, eSignal value);
     /// Sets the bits of a port's input, output and control cell to 1, whatever the other arguments
     /// say, and records the value; cells keep theirs. After ResetAllPort() this marks which bits
@@ -209,6 +211,8 @@ public:
 
 private:
     friend class bscan::detail::DeviceBuilder;
+
+    BSCAN_LOCAL int CopyToBits(const bscan::detail::CellRoles& roles);
 
     std::unique_ptr<unsigned char[]> bits_;
     LObjList pins_;

@@ -71,6 +71,8 @@ public:
     const char* GetError(int index) const;
 
 private:
+    friend class BScanParser;
+
     std::string directory_;
     std::unordered_map<std::uint32_t, ErrorElement> elements_;
     std::vector<std::string> messages_;

@@ -13,7 +13,8 @@ class MainPass;
 
 /// One instruction and its opcodes.
 ///
-/// Texts are copied; a null text changes nothing. A getter's text is valid until the record changes.
+/// Texts are copied; a null text changes nothing. A getter's text is valid until the record
+/// changes.
 class BSCAN_EXPORT CInstrOpcode {
 public:
     /// Makes an instruction without name and opcodes.

@@ -6,7 +6,8 @@
 
 namespace bscan {
 
-/// Longest statement or string value, in characters; beyond it a reader gives ResultCode::kTextTooLong.
+/// Longest statement or string value, in characters; beyond it a reader gives
+/// ResultCode::kTextTooLong.
 inline constexpr std::size_t kMaxStatementLength = std::size_t{16} << 20;
 
 /// Most port elements of one device; BScanPinMap::AddNewPorts creates nothing that would pass it.

@@ -9,6 +9,7 @@
 
 namespace bscan::detail {
 class ListAccess;
+class ListOwner;
 }
 
 /// Ordered list of LObject pointers. It never destroys what it holds.
@@ -48,5 +49,5 @@ private:
     friend class bscan::detail::ListAccess;
 
     std::vector<LObject*> objects_;
-    unsigned removals_ = 0;  // tells an index over the list that its positions may have moved
+    bscan::detail::ListOwner* owner_ = nullptr;  // hears of what is taken off
 };

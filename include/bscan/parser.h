@@ -219,8 +219,7 @@ public:
     /// @param line  receives the line.
     /// @param comment  receives the line's comment with its dashes, trimmed and followed by '*', or
     ///        an empty text; may be null.
-    /// @return bscan::kOk, bscan::kReadFailed or bscan::kEndOfFile (the line is unchanged then), or
-    ///         bscan::kTextTooLong.
+    /// @return bscan::kOk; bscan::kReadFailed or bscan::kEndOfFile (the line is unchanged then).
     int GetLine(FILE* file, char* line, char* comment);
     /// Appends lines to a statement until one holds ';'. Nothing is read when it holds one already.
     int CompleteStatement(FILE* file, char* statement);
@@ -264,7 +263,7 @@ private:
         std::vector<unsigned char> mask;
     };
 
-    void DestroyPackageMaps();
+    BSCAN_LOCAL void DestroyPackageMaps();
 
     std::vector<PIN_NAME> pin_names_;
     std::unique_ptr<ErrorHandler> error_handler_;

@@ -13,7 +13,8 @@ class MainPass;
 
 /// One data register and the instructions that select it.
 ///
-/// Texts are copied; a null text changes nothing. A getter's text is valid until the record changes.
+/// Texts are copied; a null text changes nothing. A getter's text is valid until the record
+/// changes.
 class BSCAN_EXPORT CRegister {
 public:
     /// Makes a register without name and instructions.
