@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Installs a build to a folder and uses the installation as other projects do.
+#   check.sh SOURCE BUILD WORK
+set -euo pipefail
+source_dir=$1 build_dir=$2 work=$3
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+
+step() { printf -- '-- %s\n' "$*"; }
+
+rm -rf "$work"
+mkdir -p "$work"
+
+step "install"
+cmake --install "$build_dir" --prefix "$work/first" >"$work/install.log"
+# Moved, so that nothing in it can rely on where it was installed.
+mv "$work/first" "$work/moved"
+prefix=$work/moved
+library_dir=$(dirname "$(find "$prefix" -name libbscan.so)")
+device=$prefix/share/bscan/devices/nibble_bus.bsd
+
+step "the CMake package"
+cmake -S "$here/cmake" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" >"$work/cmake.log"
+cmake --build "$work/cmake" >>"$work/cmake.log"
+"$work/cmake/drive" "$device"
+
+step "the source tree within another project"
+cmake -S "$here/cmake" -B "$work/subdirectory" -G Ninja -DBSCAN_SOURCE="$source_dir" \
+    >"$work/subdirectory.log"
+cmake --build "$work/subdirectory" >>"$work/subdirectory.log"
+"$work/subdirectory/drive" "$device"
+
+step "pkg-config and make"
+cp -r "$here/make" "$work/make"
+PKG_CONFIG_PATH=$library_dir/pkgconfig make -s -C "$work/make"
+LD_LIBRARY_PATH=$library_dir "$work/make/count" "$device"
+
+step "the tool, its manual page and its completions"
+"$prefix/bin/bscan" --version
+"$prefix/bin/bscan" show "$device" >/dev/null
+bash -n "$prefix/share/bash-completion/completions/bscan"
+test -s "$prefix/share/zsh/site-functions/_bscan"
+MANROFFSEQ='' MANWIDTH=80 man --warnings -E UTF-8 -l -Tutf8 -Z "$prefix/share/man/man1/bscan.1" \
+    2>&1 >/dev/null | tee "$work/man.log"
+test ! -s "$work/man.log"
+
+step "all found"
