@@ -1,0 +1,43 @@
+# bash completion for bscan
+
+_bscan_files() {
+    local IFS=$'\n'
+    compopt -o filenames 2>/dev/null
+    COMPREPLY=($(compgen -d -- "$1"; compgen -f -X '!*.@(bsd|bsdl|bsm|BSD|BSDL|BSM)' -- "$1"))
+}
+
+_bscan() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local command=${COMP_WORDS[1]} options=
+    COMPREPLY=()
+    if ((COMP_CWORD == 1)); then
+        COMPREPLY=($(compgen -W 'show drive observe check diff draw --help --version' -- "$current"))
+        return
+    fi
+    case $previous in
+        --format)
+            COMPREPLY=($(compgen -W 'table csv json' -- "$current"))
+            return ;;
+        --capture-file)
+            compopt -o filenames 2>/dev/null
+            COMPREPLY=($(compgen -f -- "$current"))
+            return ;;
+        --capture | --jobs | -j)
+            return ;;
+    esac
+    case $command in
+        show) options='--pins --cells --instructions --format --json --help' ;;
+        drive | diff) options='--format --json --help' ;;
+        observe) options='--capture --capture-file --format --json --help' ;;
+        check) options='--jobs --format --json --help' ;;
+        draw) options='--help' ;;
+    esac
+    if [[ $current == -* ]]; then
+        COMPREPLY=($(compgen -W "$options" -- "$current"))
+    else
+        _bscan_files "$current"
+    fi
+}
+
+shopt -s extglob
+complete -F _bscan bscan

@@ -1,0 +1,35 @@
+// The tables of a device's model.
+#pragma once
+
+#include "device.h"
+#include "table.h"
+
+namespace tool {
+
+/// A text, or null for an empty one.
+Json TextOrNull(const std::string& text);
+
+/// The port of a cell: the label of its element, the name that the file gives to a port which it
+/// does not declare, or null for no port.
+Json PortOf(const Device& device, const LBScanCell& cell);
+
+Table PinTable(const Device& device);
+Table CellTable(const Device& device);
+Table InstructionTable(const Device& device);
+Table RegisterTable(const Device& device);
+Table PairTable(const Device& device);
+
+/// The pattern that the instruction register captures, without its quotes; null without one.
+Json InstructionCapture(const Device& device);
+/// The length of the instruction register; null when the file has none.
+Json InstructionLength(const Device& device);
+/// The number of differently named ports.
+std::size_t PortCount(const Device& device);
+
+/// What the file says about the device in short: one row for each field.
+Table SummaryTable(const Device& device);
+
+/// The whole model.
+Json DeviceJson(const Device& device);
+
+}  // namespace tool

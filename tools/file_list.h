@@ -1,0 +1,13 @@
+// The BSDL files that a user means by naming files and folders.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// Files as they are given, and for a folder the files in and below it that end in .bsd, .bsdl or
+/// .bsm, sorted by path. Links to folders are not followed.
+std::vector<std::string> FindFiles(const std::vector<std::string>& paths);
+
+}  // namespace tool
