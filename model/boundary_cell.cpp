@@ -15,12 +15,11 @@ LBScanCell::~LBScanCell() = default;
 LBScanCell::LBScanCell(const LBScanCell& other) : LBScanCell() { *this = other; }
 
 LBScanCell& LBScanCell::operator=(const LBScanCell& other) {
-    GuardedQuietly([&] { CopyFrom(other); });
+    if (this != &other) GuardedQuietly([&] { CopyFrom(other); });
     return *this;
 }
 
 void LBScanCell::CopyFrom(const LBScanCell& other) {
-    if (this == &other) return;
     std::string pin_name = other.pin_name_;
     std::string original_pin_name = other.original_pin_name_;
     position_ = other.position_;

@@ -122,8 +122,10 @@ PortType ModeFromText(std::string_view text, PortType otherwise) {
 }
 
 CellFunction FunctionFromText(std::string_view text, CellFunction otherwise) {
+    if (text.empty()) return otherwise;
+    const char first = ToUpper(text.front());
     for (const FunctionText& row : kFunctions) {
-        if (EqualIgnoringCase(text, row.text)) return row.function;
+        if (row.text.front() == first && EqualIgnoringCase(text, row.text)) return row.function;
     }
     return otherwise;
 }

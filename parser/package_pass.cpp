@@ -90,7 +90,7 @@ void PackagePass::Publish(std::string package, std::vector<PIN_NAME> pins) {
     auto maps = std::make_unique<LObjList>();
     ListAccess::Objects(*maps).push_back(map.get());
 
-    map.release();
+    static_cast<void>(map.release());  // the list has it now
     parser_.DestroyPackageMaps();
     parser_.package_maps_ = std::move(maps);
     parser_.pin_names_ = std::move(pins);

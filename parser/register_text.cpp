@@ -41,9 +41,13 @@ bool ToSignal(std::string_view text, const SignalText (&rows)[kRows], eSignal& v
 
 // Takes the next field off the body of an entry; a body without comma stays, and gives nothing.
 std::string_view TakeField(std::string_view& body) {
-    const Parts parts = CutTrimmed(body, ',');
-    body = parts.after;
-    return parts.before;
+    // Fields are shorter than what Find is made for.
+    std::size_t comma = 0;
+    while (comma < body.size() && body[comma] != ',') ++comma;
+    if (comma == body.size()) return {};
+    const std::string_view field = TrimRight({body.data(), comma});
+    body = TrimLeft({body.data() + comma + 1, body.size() - comma - 1});
+    return field;
 }
 
 void CutPort(std::string_view field, RegisterFields& fields) {
@@ -134,11 +138,11 @@ bool CutRegisterEntry(std::string_view text, RegisterFields& fields) {
     CutPort(TakeField(body), fields);
     fields.function = TakeField(body);
 
-    const std::size_t comma = Find(body, ',');
-    std::string_view safe = body;
-    if (comma != std::string_view::npos && comma > 0) {
-        safe = TakeField(body);
-    } else {
+    // Without columns behind it, the safe value is all that is left.
+    const std::string_view rest = body;
+    std::string_view safe = TakeField(body);
+    if (safe.empty()) {
+        safe = rest;
         body = {};
     }
     if (!ToSignal(safe, kSafeValues, fields.safe)) return false;

@@ -1,6 +1,7 @@
 // Cutting, comparing and converting text without copying it.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -41,19 +42,31 @@ inline std::string_view TrimRight(std::string_view text) {
 
 inline std::string_view Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
 
+#if defined(__SSE2__)
+// One bit for each of sixteen characters that is one of those sought.
+template <class... Characters>
+unsigned PlacesInBlock(const char* text, Characters... sought) {
+    __m128i block;
+    std::memcpy(&block, text, sizeof block);
+    __m128i found = _mm_setzero_si128();
+    ((found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(sought)))), ...);
+    return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+#endif
+
 // The position of the first of some characters; npos without one. Sixteen characters are looked at
 // in one step, without a call: what is sought here is mostly a few characters away.
 template <class... Characters>
 std::size_t Find(std::string_view text, Characters... sought) {
     std::size_t at = 0;
 #if defined(__SSE2__)
-    for (; text.size() - at >= sizeof(__m128i); at += sizeof(__m128i)) {
-        __m128i block;
-        std::memcpy(&block, text.data() + at, sizeof block);
-        __m128i found = _mm_setzero_si128();
-        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(sought)))), ...);
-        const auto places = static_cast<unsigned>(_mm_movemask_epi8(found));
-        if (places != 0) return at + static_cast<std::size_t>(std::countr_zero(places));
+    constexpr std::size_t kBlock = sizeof(__m128i);
+    while (text.size() >= kBlock && at < text.size()) {
+        // The last block overlaps the one before, in which nothing was found.
+        const std::size_t begin = std::min(at, text.size() - kBlock);
+        const unsigned places = PlacesInBlock(text.data() + begin, sought...);
+        if (places != 0) return begin + static_cast<std::size_t>(std::countr_zero(places));
+        at += kBlock;
     }
 #endif
     for (; at < text.size(); ++at) {
