@@ -21,72 +21,34 @@ import tempfile
 
 NUMBERS = [b"-1", b"0", b"7", b"255", b"65536", b"2147483647", b"2147483648", b"-2147483649",
            b"4294967296", b"9223372036854775808", b"18446744073709551615"]
-MARKS = [b'"', b"&", b";", b"(", b")", b",", b":", b"--", b":=", b"*", b" ", b"\n", b"\r", b"\0"]
-WORDS = [b"entity ", b"end ", b"port (", b"attribute ", b"constant ", b" is ", b"bit_vector",
+MARKS = [b'"', b"&", b";", b"(", b")", b",", b":", b"--", b":=", b"*", b" ", b"\n", b"\r", b"\0",
+         b"entity ", b"end ", b"port (", b"attribute ", b"constant ", b" is ", b"bit_vector",
          b"PIN_MAP_STRING", b"BOUNDARY_REGISTER", b"BOUNDARY_LENGTH", b"PORT_GROUPING", b"inout",
          b"Differential_Voltage ((", b"REGISTER_ACCESS", b"control", b"bidir"]
 
 
-def span(text, chance, longest):
-    start = chance.randrange(len(text) + 1)
-    return start, min(len(text), start + chance.randint(1, longest))
-
-
-def change_byte(text, chance):
-    start = chance.randrange(len(text))
-    return text[:start] + bytes([chance.randrange(256)]) + text[start + 1:]
-
-
-def put_mark(text, chance):
-    start, end = span(text, chance, 2)
-    if chance.random() < 0.5:
-        end = start
-    return text[:start] + chance.choice(MARKS + WORDS) + text[end:]
-
-
-def delete(text, chance):
-    start, end = span(text, chance, chance.choice([1, 8, 300]))
-    return text[:start] + text[end:]
-
-
-def repeat(text, chance):
-    start, end = span(text, chance, chance.choice([4, 60, 600]))
-    return text[:start] + text[start:end] * chance.choice([2, 2, 3, 50]) + text[end:]
-
-
-def move(text, chance):
-    start, end = span(text, chance, 400)
-    rest = text[:start] + text[end:]
-    target = chance.randrange(len(rest) + 1)
-    return rest[:target] + text[start:end] + rest[target:]
-
-
-def change_number(text, chance):
-    numbers = list(re.finditer(rb"\d+", text))
-    if not numbers:
-        return text
-    found = chance.choice(numbers)
-    return text[:found.start()] + chance.choice(NUMBERS) + text[found.end():]
-
-
-def swap_lines(text, chance):
-    lines = text.split(b"\n")
-    first, second = chance.randrange(len(lines)), chance.randrange(len(lines))
-    lines[first], lines[second] = lines[second], lines[first]
-    return b"\n".join(lines)
-
-
-def cut(text, chance):
-    return text[:chance.randrange(len(text) + 1)]
-
-
-KINDS = [change_byte, put_mark, delete, repeat, move, change_number, swap_lines] * 3 + [cut]
-
-
 def mutate(text, chance):
     for _ in range(chance.choice([1, 1, 2, 4, 16])):
-        if text:
-            text = chance.choice(KINDS)(text, chance)
+        start = chance.randrange(len(text) + 1)
+        end = min(len(text), start + chance.choice([0, 1, 2, 8, 60, 400]))
+        kind = chance.choice(["byte", "mark", "delete", "repeat", "move", "number", "cut"])
+        piece = text[start:end]
+        rest = text[:start] + text[end:]
+        if kind == "byte":
+            text = text[:start] + bytes([chance.randrange(256)]) + text[start + 1:]
+        elif kind == "mark":
+            text = text[:start] + chance.choice(MARKS) + text[min(end, start + 2):]
+        elif kind == "delete":
+            text = rest
+        elif kind == "repeat":
+            text = text[:start] + piece * chance.choice([2, 2, 3, 50]) + text[end:]
+        elif kind == "move":
+            target = chance.randrange(len(rest) + 1)
+            text = rest[:target] + piece + rest[target:]
+        elif kind == "number" and (number := re.compile(rb"\d+").search(text, start)):
+            text = text[:number.start()] + chance.choice(NUMBERS) + text[number.end():]
+        elif kind == "cut" and chance.random() < 0.2:
+            text = text[:start]
     return text
 
 
@@ -124,24 +86,22 @@ def main():
         chance = random.Random(f"{options.seed} {path.name}")
         text = path.read_bytes()
         with tempfile.TemporaryDirectory(dir=memory) as name:
-            folder = pathlib.Path(name)
-            for number in range(options.mutations):
-                (folder / f"{path.stem}-{number}.bsd").write_bytes(mutate(text, chance))
+            # Each file in a folder of its own, so that it can be tried alone.
+            targets = [pathlib.Path(name) / str(n) / path.name for n in range(options.mutations)]
+            for target in targets:
+                target.parent.mkdir()
+                target.write_bytes(mutate(text, chance))
             together = options.timeout * options.mutations
-            if not options.each and not run(options.reader, folder, together):
+            if not options.each and not run(options.reader, name, together):
                 continue
-            for target in sorted(folder.iterdir()):
-                alone = folder / "alone"
-                if not options.each:
-                    alone.mkdir()
-                    shutil.copy(target, alone)
-                fault = run(options.reader, target if options.each else alone, options.timeout)
-                shutil.rmtree(alone, ignore_errors=True)
-                if fault:
+            for number, target in enumerate(targets):
+                tried = target if options.each else target.parent
+                if fault := run(options.reader, tried, options.timeout):
                     failures += 1
                     os.makedirs(options.keep, exist_ok=True)
-                    shutil.copy(target, options.keep)
-                    print(f"{os.path.join(options.keep, target.name)}: {fault}", flush=True)
+                    kept = os.path.join(options.keep, f"{path.stem}-{number}.bsd")
+                    shutil.copy(target, kept)
+                    print(f"{kept}: {fault}", flush=True)
     print(f"{len(files)} files, {len(files) * options.mutations} mutations, {failures} failures")
     return 1 if failures else 0
 

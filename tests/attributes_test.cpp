@@ -1,117 +1,133 @@
-// The attributes of one value, and the choice of an attribute's reader.
+// The attributes of one value, the lists of names, and the choice of an attribute's reader.
 
 #include "support/read_device.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 namespace bscan::test {
 namespace {
 
-std::string Values(BScanParser& parser) {
-    std::ostringstream out;
-    if (parser.GetPinMap()) out << "cells " << parser.GetPinMap()->GetBScanLength();
-    if (const CInstrRegisterDesc* instructions = parser.GetInstructionRegisterDescription())
-        out << " length " << instructions->GetInstructionLength() << " capture "
-            << instructions->GetInstructionCapture();
-    if (const CRegisterAccessDesc* registers = parser.GetRegisterAccessDescription())
-        out << " registers " << registers->GetRegisterCount();
-    return out.str();
+/// Length of the register, of instructions and what the instruction register captures.
+std::string Values(const BScanParser& parser) {
+    const CInstrRegisterDesc* const list = parser.GetInstructionRegisterDescription();
+    return std::to_string(parser.GetPinMap()->GetBScanLength()) + ' ' +
+           std::to_string(list->GetInstructionLength()) + ' ' + list->GetInstructionCapture();
 }
 
 TEST(Attributes, GiveTheirValueOrACode) {
     const struct {
-        const char* statements;
+        const char* name;
+        const char* value;
         int result;
         const char* values;
     } rows[] = {
-        {"", kOk, "cells 0"},
-        {"attribute BOUNDARY_LENGTH of X : entity is 27;", kOk, "cells 27 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is\n27;", kOk, "cells 27 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 27 ; ", kOk, "cells 27 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 5 +6x;", kOk, "cells 6 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 4294967301;", kOk,
-         "cells 5 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 1048576;", kOk,
-         "cells 1048576 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 1048577;", kBadValue,
-         "cells 0 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 99999999999999999999;", kBadValue,
-         "cells 0 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 0x1B;", kBadValue,
-         "cells 0 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is -4;", kBadValue, "cells 0 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is ;", kBadValue, "cells 0 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X : entity is 8", kBadValue, "cells 0 length 0 capture "},
-        {"attribute INSTRUCTION_LENGTH of X : entity is 8;\n"
-         "attribute INSTRUCTION_LENGTH of X : entity is 10;",
-         kOk, "cells 0 length 10 capture "},
-        {"attribute INSTRUCTION_LENGTH of X : entity is -3;", kOk, "cells 0 length -3 capture "},
-        {"attribute INSTRUCTION_LENGTH of X : entity is none;", kBadValue,
-         "cells 0 length 0 capture "},
-        {"attribute INSTRUCTION_CAPTURE of X : entity is \"0101\";", kOk,
-         "cells 0 length 0 capture \"0101\""},
-        {"attribute INSTRUCTION_CAPTURE of X : entity is\n\"01\" &\n\"XX\";", kOk,
-         "cells 0 length 0 capture &\"XX\""},
-        {"attribute INSTRUCTION_CAPTURE of X : entity is \"01\" & \"XX\";", kOk,
-         "cells 0 length 0 capture \"XX\""},
+        {"BOUNDARY_LENGTH of X : entity is", "27;", kOk, "27 0 "},
+        {"BOUNDARY_LENGTH of X : entity is\n", "27 ; ", kOk, "27 0 "},
+        {"BOUNDARY_LENGTH of X : entity is", "4294967301;", kOk, "5 0 "},
+        {"BOUNDARY_LENGTH of X : entity is", "1048576;", kOk, "1048576 0 "},
+        {"BOUNDARY_LENGTH of X : entity is", "1048577;", kBadValue, "0 0 "},
+        {"BOUNDARY_LENGTH of X : entity is", "99999999999999999999;", kBadValue, "0 0 "},
+        {"BOUNDARY_LENGTH of X : entity is", "0x1B;", kBadValue, "0 0 "},
+        {"BOUNDARY_LENGTH of X : entity is", ";", kBadValue, "0 0 "},
+        {"BOUNDARY_LENGTH of X : entity is", "8", kBadValue, "0 0 "},
+        {"INSTRUCTION_LENGTH of X : entity is", "-3;", kOk, "0 -3 "},
+        {"INSTRUCTION_CAPTURE of X : entity is", "\"0101\";", kOk, "0 0 \"0101\""},
+        {"INSTRUCTION_CAPTURE of X : entity is\n", "\"01\" &\n\"XX\";", kOk, "0 0 &\"XX\""},
 
         // Whatever no reader wants is skipped to its semicolon.
-        {"attribute PIN_MAP of X : entity is PHYSICAL_PIN_MAP;", kOk, "cells 0 length 0 capture "},
-        {"attribute INSTRUCTION_PRIVATE of X : entity is\n\"A,\" &\n\"B\";", kOk,
-         "cells 0 length 0 capture "},
-        {"attribute boundary_length of X : entity is 5;", kOk, "cells 0 length 0 capture "},
+        {"INSTRUCTION_PRIVATE of X : entity is\n", "\"A,\" &\n\"B\";", kOk, "0 0 "},
+        {"boundary_length of X : entity is", "5;", kOk, "0 0 "},
 
         // A keyword anywhere in the statement selects; another name leaves the statement unread.
-        {"attribute MY_BOUNDARY_LENGTH of X : entity is 5;", kOk, "cells 0 length 0 capture "},
-        {"attribute NOTE of X : entity is \"BOUNDARY_REGISTER\" &\n\"more\" &\n\"still\";", kOk,
-         "cells 0 length 0 capture "},
-        {"attribute NOTE of BOUNDARY_REGISTER : entity is\nbare;", kUnexpectedLine,
-         "cells 0 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of INSTRUCTION_LENGTH : entity is 5;", kOk,
-         "cells 5 length 0 capture "},
-        {"attribute INSTRUCTION_LENGTH of BOUNDARY_LENGTH : entity is 5;", kOk,
-         "cells 0 length 0 capture "},
-        {"attribute MY_REGISTER_ACCESS of X : entity is \"z\";", kOk,
-         "cells 0 length 0 capture  registers 0"},
-        {"attribute BOUNDARY_REGISTER_ACCESS of X : entity is \"z\";", kOk,
-         "cells 0 length 0 capture "},
+        {"NOTE of X : entity is", "\"BOUNDARY_REGISTER\" &\n\"more\" &\n\"x\";", kOk, "0 0 "},
+        {"NOTE of BOUNDARY_REGISTER : entity is\n", "bare;", kUnexpectedLine, "0 0 "},
+        {"BOUNDARY_LENGTH of INSTRUCTION_LENGTH : entity is", "5;", kOk, "5 0 "},
+        {"BOUNDARY_REGISTER_ACCESS of X : entity is", "\"z\";", kOk, "0 0 "},
 
         // " is " must stand in one line with what follows it.
-        {"attribute BOUNDARY_LENGTH of X :\nentity is 5;", kOk, "cells 5 length 0 capture "},
-        {"attribute BOUNDARY_LENGTH of X :\nentity is\n5;\n"
-         "attribute INSTRUCTION_LENGTH of X : entity is 8;",
-         kBadValue, "cells 0 length 0 capture "},
+        {"BOUNDARY_LENGTH of X :\nentity is", "5;", kOk, "5 0 "},
+        {"BOUNDARY_LENGTH of X :\nentity is\n", "5;\nx is 8;", kBadValue, "0 0 "},
 
         // A pin map that cannot be read does not end the reading.
-        {"attribute PIN_MAP_STRING of X : entity is \"TDI : 1\";", kReadFailed,
-         "cells 0 length 0 capture "},
-        {"attribute PIN_MAP_STRING of X : entity is\n\"TDI : 1\";", kOk,
-         "cells 0 length 0 capture "},
-    };
+        {"PIN_MAP_STRING of X : entity is", "\"TDI : 1\";", kReadFailed, "0 0 "},
+        {"PIN_MAP_STRING of X : entity is\n", "\"TDI : 1\";", kOk, "0 0 "}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.statements);
-        ReadDevice device(Entity(row.statements));
+        const std::string attribute = std::string("attribute ") + row.name + ' ' + row.value;
+        SCOPED_TRACE(attribute);
+        ReadDevice device(Entity("attribute NONE of X : entity is 0;\n" + attribute));
         EXPECT_EQ(device.result(), row.result);
         EXPECT_EQ(Values(device.parser), row.values);
     }
 }
 
 TEST(Attributes, ReportAMissingObjectBeforeABadValue) {
-    EXPECT_EQ(ReadDevice("entity X is;\nattribute BOUNDARY_LENGTH of X : entity is 5;").result(),
-              kLengthWithoutPorts);
-    EXPECT_EQ(ReadDevice("entity X is;\nattribute BOUNDARY_LENGTH of X : entity is 0;").result(),
-              kLengthWithoutPorts);
+    for (const char* value : {"5;", "0;", ";"}) {
+        const std::string length = std::string("attribute BOUNDARY_LENGTH of X is ") + value;
+        EXPECT_EQ(ReadDevice("entity X is;\n" + length).result(), kLengthWithoutPorts);
+    }
     BScanParser parser;
-    const Stream stream("");
-    EXPECT_EQ(parser.ReadInstructionLength(stream, Text("x is 8;")), kLengthWithoutRegister);
-    EXPECT_EQ(parser.ReadInstructionLength(stream, Text(";")), kLengthWithoutRegister);
-    EXPECT_EQ(parser.ReadInstructionCapture(stream, Text("x is 8;")), kCaptureWithoutRegister);
-    EXPECT_EQ(parser.ReadAttribute(stream, "attribute X of Y : entity is 1;"), kOk);
-    EXPECT_EQ(parser.ReadInstructionCapture(stream, Text(" ; 8;")), kBadValue);
-    EXPECT_EQ(parser.ReadInstructionCapture(stream, Text("10;")), kOk);
+    const Stream empty("");
+    EXPECT_EQ(parser.ReadInstructionLength(empty, Text(";")), kLengthWithoutRegister);
+    EXPECT_EQ(parser.ReadInstructionCapture(empty, Text("x is 8;")), kCaptureWithoutRegister);
+    EXPECT_EQ(parser.ReadInstructionOpcode(empty, Text("\"A (1)\";")), kBadOpcode);
+    EXPECT_EQ(parser.ReadRegisterAccess(empty, Text("\"A (1)\";")), kBadRegisterAccess);
+    EXPECT_EQ(parser.ReadInstructionOpcode(empty, Text("\"(1)\";")), kBadValue);
+    EXPECT_EQ(parser.ReadRegisterAccess(empty, Text(";")), kOk);
+    EXPECT_EQ(parser.ReadAttribute(empty, "attribute X of Y : entity is 1;"), kOk);
+    EXPECT_EQ(parser.ReadInstructionCapture(empty, Text(" ; 8;")), kBadValue);
+    EXPECT_EQ(parser.ReadInstructionCapture(empty, Text("10;")), kOk);
     EXPECT_STREQ(parser.GetInstructionRegisterDescription()->GetInstructionCapture(), "10");
+}
+
+constexpr int kSyntax = 1;  // in a row: the syntax code of the attribute at hand
+
+// INSTRUCTION_OPCODE and REGISTER_ACCESS are read alike.
+TEST(NameList, ReadsEntriesOfNamesAndItems) {
+    std::string pieces = "0";
+    std::string items = "0";
+    for (int i = 0; i < 4000; ++i) {
+        pieces += ",\" &\n\"1";
+        items += ",1";
+    }
+    const struct {
+        std::string value;
+        int result;
+        std::string entries;
+    } rows[] = {{"\"BYPASS (111),\" &\n\"EXTEST (000, 010)\";", kOk, "BYPASS(111) EXTEST(000,010)"},
+                {"\"EXTEST (000,\" & -- comment\n\"010)\";", kOk, "EXTEST(000,010)"},
+                {"\"A (" + pieces + ")\";", kOk, "A(" + items + ")"},
+                {"\"A(1),\" & \"B(2)\";", kOk, "A(1) B(2)"},
+                {"\"BOUNDARY[12] (EXTEST)\";", kOk, "BOUNDARY[12](EXTEST)"},
+                {"\"BOUNDARY [12] (EXTEST)\";", kSyntax, ""},
+                {"\"A (1),\" &\n\"A (2)\";", kOk, "A(1) A(2)"},
+                {"\"A (1), B (2)\";", kSyntax, "A(1)"},  // two entries in one piece
+                {"\"A (1),B (2)\";", kOk, "A(1) ,B(2)"},
+                {"\"A (1),\" &\n\"B (2, 3 4)\";", kSyntax, "A(1)"},
+                {"\"A (,2)\";", kSyntax, ""},
+                {"\"A (1,)\";", kSyntax, ""},
+                {"\"A (1,\" &\n\")\";", kSyntax, ""},
+                {"\"A ()\";", kSyntax, ""},
+                {"\"(1)\";", kBadValue, ""},
+                {"\"A 1)\";", kBadValue, ""},
+                {"\"A (1(2))\";", kBadValue, "A(1(2)"},
+                {"\"A (1\r2)\";", kOk, "A(1\r2)"},  // carriage returns are no white space
+                {"\"A (1)\" & \"and no more\";", kOk, "A(1)"},
+                {";", kOk, ""},
+                {"A (1);", kSyntax, ""},
+                {"\"A (1),\" &", kReadFailed, ""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.value);
+        BScanParser parser;
+        // Skipped attributes, which make the descriptions.
+        parser.ReadAttribute(Stream(""), "attribute X of Y : entity is ;");
+        parser.ReadAttribute(Stream(""), "attribute X_REGISTER_ACCESS of Y : entity is ;");
+        EXPECT_EQ(parser.ReadInstructionOpcode(Stream(row.value + "\n"), Text("X is ")),
+                  row.result == kSyntax ? kBadOpcode : row.result);
+        EXPECT_EQ(parser.ReadRegisterAccess(Stream(row.value + "\n"), Text("X is ")),
+                  row.result == kSyntax ? kBadRegisterAccess : row.result);
+        EXPECT_EQ(Instructions(parser.GetInstructionRegisterDescription()), row.entries);
+        EXPECT_EQ(Registers(parser.GetRegisterAccessDescription()), row.entries);
+    }
 }
 
 }  // namespace

@@ -1,26 +1,29 @@
-// The boundary register attribute and what it makes of its entries.
+// The boundary register attribute, what it makes of its entries, and the cells of differential
+// pairs, which are completed behind it.
 
-#include "support/read_device.h"
+#include "support/oracle.h"
 
 #include <gtest/gtest.h>
+
+#include <climits>
 
 namespace bscan::test {
 namespace {
 
 /// A device with IN1 "in", IO[0..3] "inout" and OUT1 "out", of eight cells, and a register.
-std::string WithRegister(std::string_view value) {
+std::string WithRegister(const std::string& value) {
     return Entity(
         "port (\nIN1 : in bit;\nIO : inout bit_vector (0 to 3);\nOUT1 : out bit);\n"
         "attribute BOUNDARY_LENGTH of X : entity is 8;\n"
         "attribute BOUNDARY_REGISTER of X : entity is\n" +
-        std::string(value));
+        value);
 }
 
 /// The cells that an entry has filled, each on a line of its own.
-std::string FilledCells(const BScanPinMap& map) {
+std::string FilledCells(BScanPinMap& map) {
     std::string cells;
     for (int n = 0; n < map.GetBScanLength(); ++n) {
-        const LBScanCell& cell = map.GetBScanCellTable()[n];
+        const LBScanCell& cell = *map.GetBScanCell(n);
         if (cell.GetBoundaryCellPosition() < 0) continue;
         cells += (cells.empty() ? "" : "\n") + std::to_string(n) + ": " + Describe(cell);
     }
@@ -41,94 +44,79 @@ TEST(BoundaryRegister, FillsACellForEachEntry) {
     EXPECT_EQ(CellsOf(device.map().GetPort(Text("IO"), 1)), "1");
 }
 
-// The fields of entries, of which each row has one and sees what it fills.
+// The fields behind the cell number 3.
 TEST(BoundaryRegister, ReadsAnEntrysFields) {
     const struct {
-        const char* entry;
+        const char* fields;
         int result;
-        const char* cells;
+        const char* cell;  // null for none
     } rows[] = {
-        {"3 (BC_2, IO(3), bidir, 0, 7, 1, weak1)", kOk,
-         "3: BC_2 BIDIR [IO3] [] safe 0 value 0 port IO:3 control -1 off 1 shows WEAK1"},
-        {" 3 ( bc_2 ,io ( 3 ) , Input , x )", kOk,
-         "3: BC_2 INPUT [IO3] [] safe X value X port IO:3"},
-        {"3 (AC_1, out1, output3, 1, 7, 0, PULL0)", kOk,
-         "3: BC_? OUTPUT3 [OUT1] [] safe 1 value 1 port OUT1:0 control -1 off 0 shows PULL0"},
-        {"3 (BC_1, IN1, input, X,)", kOk, "3: BC_1 INPUT [IN1] [] safe X value X port IN1:0"},
-        {"3 (BC_1, IO(*), internal, 0)", kOk, "3: BC_1 INTERNAL [] [] safe 0 value 0"},
-        {"3 (BC_1, none(2), input, 0)", kOk, "3: BC_1 INPUT [NONE2] [] safe 0 value 0"},
-        {"3 (BC_1, IO(7), input, 0)", kOk, "3: BC_1 INPUT [IO7] [] safe 0 value 0"},
-        {"3 (BC_1, *, internal, X, 5, 1, z)", kOk,
-         "3: BC_1 INTERNAL [] [] safe X value X control -1 off 1 shows Z"},
-        {"3 (BC_1, *, internal, X, -5, 1, z)", kOk, "3: BC_1 INTERNAL [] [] safe X value X"},
-        {"x3 (BC_1, *, internal, 0)", kOk, "0: BC_1 INTERNAL [] [] safe 0 value 0"},
-        {"3 (BC_1, IO(0), input, PULL0)", kBadValue, ""},
-        {"3 (BC_1, IO(0), input)", kBadValue, ""},
-        {"3 (BC_1, IO(0), output3, X, 5)", kBadValue, ""},
-        {"3 (BC_1, IO(0), output3, X, 5, 1)", kBadValue, ""},
-        {"3 (BC_1, IO(0), output3, X, 5, 1, Z, 1)", kBadValue, ""},
-        {"3 (BC_1, IO(0), output3, X, 5, Z, Z)", kBadValue, ""},
-        {"3 (BC_1, IO(0), output3, X, 5, 1, KEEPER)", kBadValue, ""},
-        {"3 (BC_1, IO, X)", kFailed, "3: BC_1 NONE [IO] [] safe X value X port IO:0"},
-        {"3 (X)", kOk, "3: BC_? NONE [] [] safe X value X"},
-        {"3 (BC_1, OUT1, observe_only, X)", kFailed,
-         "3: BC_1 OBSERVE_ONLY [OUT1] [] safe X value X port OUT1:0"},
-        {"8 (BC_1, IN1, input, X)", kFailed, ""},
-        {"-1 (BC_1, IN1, input, X)", kBadValue, ""},  // a dash begins a remark
-        {"4294967299 (BC_1, IN1, input, X)", kOk,
-         "3: BC_1 INPUT [IN1] [] safe X value X port IN1:0"},
-        {"3 (BC_1, IN1, input, X, 8, 1, Z)", kFailed, ""},
+        {"(BC_2, IO(3), bidir, 0, 7, 1, weak1)", kOk,
+         "BC_2 BIDIR [IO3] [] safe 0 value 0 port IO:3 control -1 off 1 shows WEAK1"},
+        {" ( bc_2 ,io ( 3 ) , Input , x )", kOk, "BC_2 INPUT [IO3] [] safe X value X port IO:3"},
+        {"(AC_1, out1, output3, 1, 7, 0, PULL0)", kOk,
+         "BC_? OUTPUT3 [OUT1] [] safe 1 value 1 port OUT1:0 control -1 off 0 shows PULL0"},
+        {"(BC_1, IO(*), internal, 0)", kOk, "BC_1 INTERNAL [] [] safe 0 value 0"},
+        {"(BC_1, none(2), input, 0)", kOk, "BC_1 INPUT [NONE2] [] safe 0 value 0"},
+        {"(BC_1, IO(-1), input, 0)", kOk, "BC_1 INPUT [IO-1] [] safe 0 value 0"},
+        {"(BC_1, *, internal, X, -5, 1, z)", kOk, "BC_1 INTERNAL [] [] safe X value X"},
+        {"(BC_1, IO(0), input, PULL0)", kBadValue, nullptr},
+        {"(BC_1, IO(0), input)", kBadValue, nullptr},
+        {"(BC_1, IO(0), output3, X, 5, 1)", kBadValue, nullptr},
+        {"(BC_1, IO(0), output3, X, 5, Z, Z)", kBadValue, nullptr},
+        {"(BC_1, IO(0), output3, X, 5, 1, KEEPER)", kBadValue, nullptr},
+        {"(BC_1, IO, X)", kFailed, "BC_1 NONE [IO] [] safe X value X port IO:0"},
+        {"(X)", kOk, "BC_? NONE [] [] safe X value X"},
+        {"(BC_1, OUT1, observe_only, X)", kFailed,
+         "BC_1 OBSERVE_ONLY [OUT1] [] safe X value X port OUT1:0"},
+        {"(BC_1, IN1, input, X, 8, 1, Z)", kFailed, nullptr},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.entry);
-        ReadDevice device(WithRegister('"' + std::string(row.entry) + "\";"));
+        SCOPED_TRACE(row.fields);
+        ReadDevice device(WithRegister(std::string("\"3 ") + row.fields + "\";"));
         EXPECT_EQ(device.result(), row.result);
-        EXPECT_EQ(FilledCells(device.map()), row.cells);
+        EXPECT_EQ(FilledCells(device.map()), row.cell ? std::string("3: ") + row.cell : "");
     }
 }
 
-// How the value is cut. Entries are "n (*,*,x,0)"; the row tells the cells with their remarks.
+// How the value is cut into entries and remarks: each row tells the cells with their remarks. In a
+// value '#' stands for "(a,*,b,0)" and '|' for the end of a piece and of a line.
 TEST(BoundaryRegister, CutsTheValueIntoEntries) {
     const struct {
-        const char* name;
-        const char* value;
+        std::string value;
         int result;
         const char* cells;
     } rows[] = {
-        {"one piece", "\"1 (a,*,b,0),2 (a,*,b,0)\";", kOk, "1[] 2[]"},
-        {"split entry", "\"1 (a,*,\" &\n\"b,0)\" &\n\", 2 (a,*,b,0)\";", kOk, "1[] 2[]"},
-        {"remark", "\"1 (a,*,b,0),\" & -- x - y 3\n\"2 (a,*,b,0)\";", kOk, "1[xy3] 2[]"},
-        {"remark of the last entry of a line",
-         "\"1 (a,*,b,0),2 (a,*,b,0),\" & -- r\n\"3 (a,*,b,0)\";", kOk, "1[] 2[r] 3[]"},
-        {"second remark", "\"1 (a,*,b,0),\" & -- one\n\" \" & -- two\n\"2 (a,*,b,0)\";", kOk,
-         "1[two] 2[]"},
-        {"remark before the first entry", "\"\" & -- r\n\"1 (a,*,b,0)\";", kOk, "1[]"},
-        {"comment alone is lost", "\"1 (a,*,b,0),\" &\n-- r\n\"2 (a,*,b,0)\";", kOk, "1[] 2[]"},
-        {"comment in an entry", "\"1 (a,*,\" & -- r\n\"b,0)\";", kOk, "1[]"},
-        {"star in a remark", "\"1 (a,*,b,0),\" & -- r*2\n\"(a,*,b,0)\";", kOk, "1[r] 2[]"},
-        {"star in a remark, then an entry",
-         "\"1 (a,*,b,0),\" & -- r*3 (a,*,b,0),\n\"2 (a,*,b,0)\";", kOk, "0[] 1[r] 3[]"},
-        {"remark behind the last entry", "\"1 (a,*,b,0)\"; -- r\n", kBadValue, ""},
-        {"comma at the end", "\"1 (a,*,b,0),\";", kOk, "1[]"},
-        {"commas", "\"1 (a,*,b,0),,2 (a,*,b,0)\";", kOk, "0[] 1[]"},
-        {"no comma", "\"1 (a,*,b,0) 2 (a,*,b,0)\";", kBadValue, ""},
-        {"parenthesis first", "\"(a,*,b,0)\";", kBadValue, ""},
-        {"closed twice", "\"1 (a,*,b,0)),\";", kBadValue, ""},
-        {"depth is not balanced", "\"1 ((a,*,b,0), 2 (a,*,b,0)\";", kBadValue, ""},
-        {"unfinished entry is dropped", "\"1 (a,*,b,0), 2 (a,*,b\";", kOk, "1[]"},
-        {"no entry", "\"\";", kBadValue, ""},
-        {"cell twice", "\"1 (a,*,b,0), 1 (a,*,b,X)\";", kOk, "1[]"},
-        {"earlier entries stay", "\"1 (a,*,b,0), 2 (a,*,b,9), 3 (a,*,b,0)\";", kBadValue, "1[]"},
-        {"cut file", "\"1 (a,*,b,0),\" &", kReadFailed, ""},
+        {"\"1 #,2 #\";", kOk, "1[] 2[]"},
+        {"\"1 (a,*,|b,0)|, 2 #\";", kOk, "1[] 2[]"},
+        {"\"1 #,\" & -- x - y 3\n\"2 #\";", kOk, "1[xy3] 2[]"},
+        {"\"1 #,2 #,\" & -- r\n\"3 #\";", kOk, "1[] 2[r] 3[]"},
+        {"\"1 #,\" & -- one\n\" \" & -- two\n\"2 #\";", kOk, "1[two] 2[]"},
+        {"\"\" & -- r\n\"1 #\";", kOk, "1[]"},
+        {"\"1 #,\" &\n-- alone\n\"2 #\";", kOk, "1[] 2[]"},
+        {"\"1 #,\" & -- r*2\n\"#\";", kOk, "1[r] 2[]"},
+        {"\"1 #,\" & -- r*3 #,\n\"2 #\";", kOk, "0[] 1[r] 3[]"},
+        {"\"1 #\"; -- r\n", kBadValue, ""},
+        {"\"1 #,,2 #\";", kOk, "0[] 1[]"},
+        {"\"1 # 2 #\";", kBadValue, ""},
+        {"\"1 #),\";", kBadValue, ""},
+        {"\"1 #, 2 (a,*,b\";", kOk, "1[]"},  // an unfinished entry is dropped
+        {"\"\";", kBadValue, ""},
+        {"\"1 #, 2 (a,*,b,9), 3 #\";", kBadValue, "1[]"},
+        {"\"1 #, 8 #\";", kFailed, "1[]"},
+        {"\"x3 #, 4294967297 #\";", kOk, "0[] 1[]"},
+        {"\"1 #,\" &", kReadFailed, ""},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(row.value);
+        std::string value;
+        for (const char c : row.value) {
+            value += c == '#' ? "(a,*,b,0)" : c == '|' ? "\" &\n\"" : std::string(1, c);
+        }
         BScanParser parser;
         parser.CreatePort(Text("IN1 : in bit;"));
         parser.GetPinMap()->AllocateBScanCellTable(8);
-        const Stream stream(std::string(row.value) + "\n");
-        EXPECT_EQ(parser.ReadBSCANBoundaryRegister(
-                      stream, Text("attribute BOUNDARY_REGISTER of X : entity is ")),
+        EXPECT_EQ(parser.ReadBSCANBoundaryRegister(Stream(value + "\n"), Text("X is ")),
                   row.result);
         std::string cells;
         for (int n = 0; n < 8; ++n) {
@@ -142,14 +130,10 @@ TEST(BoundaryRegister, CutsTheValueIntoEntries) {
 }
 
 TEST(BoundaryRegister, NeedsItsLengthAndADevice) {
-    EXPECT_EQ(ReadDevice(Entity("attribute BOUNDARY_REGISTER of X : entity is\n"
-                                "\"0 (BC_1, *, internal, X)\";"))
-                  .result(),
-              kFailed);
-    EXPECT_EQ(ReadDevice("entity X is;\nattribute BOUNDARY_REGISTER of X : entity is\n"
-                         "\"0 (BC_1, *, internal, X)\";\nend X;\n")
-                  .result(),
-              kFailed);
+    const std::string attribute =
+        "attribute BOUNDARY_REGISTER of X : entity is\n\"0 (BC_1, *, internal, X)\";";
+    EXPECT_EQ(ReadDevice(Entity(attribute)).result(), kFailed);
+    EXPECT_EQ(ReadDevice("entity X is;\n" + attribute + "\nend X;\n").result(), kFailed);
 }
 
 TEST(BoundaryRegister, MayBeAConstant) {
@@ -160,9 +144,6 @@ TEST(BoundaryRegister, MayBeAConstant) {
                "constant R_2 : BOUNDARY_REGISTERS := \"2 (\";\n"));
     EXPECT_EQ(device.result(), kOk);
     EXPECT_EQ(device.map().GetBScanBitArray()[0], 0x40);
-    EXPECT_EQ(ReadDevice(Entity("constant R : BOUNDARY_REGISTER := \"0 (BC_1, *, internal, X)\";"))
-                  .result(),
-              kFailed);
 }
 
 TEST(BoundaryRegister, ASecondLengthStartsAfresh) {
@@ -171,21 +152,92 @@ TEST(BoundaryRegister, ASecondLengthStartsAfresh) {
                      "attribute BOUNDARY_LENGTH of X : entity is 1;\n"
                      "attribute BOUNDARY_REGISTER of X : entity is\n"
                      "\"0 (BC_1, OUT1, output2, X)\";"));
-    EXPECT_EQ(device.result(), kOk);
     EXPECT_EQ(FilledCells(device.map()), "0: BC_1 OUTPUT2 [OUT1] [] safe X value X port OUT1:0");
-    EXPECT_EQ(CellsOf(device.map().GetPort(Text("IN1"), 0)), "");
-    EXPECT_EQ(CellsOf(device.map().GetPort(Text("OUT1"), 0)), "0");
+    EXPECT_EQ(CellsOf(device.Port("IN1")), "");
+    EXPECT_EQ(CellsOf(device.Port("OUT1")), "0");
     EXPECT_EQ(device.map().GetBScanBitArray()[0], 0x00);
 }
 
-TEST(BoundaryRegister, TakesEntriesOfAnyLength) {
-    std::string value = "\"2 (BC_1, \" &\n";
-    for (int i = 0; i < 40; ++i) value += '"' + std::string(200, 'n') + "\" &\n";
-    ReadDevice device(WithRegister(value + "\", input, X)\";"));
+/// A device of ten cells: P and N, Q and M are pairs of "inout" ports, S is a single port.
+std::string WithPairs(const std::string& pairs, const std::string& value) {
+    return Entity(
+        "port (\nP, N, q, m, S : inout bit);\n"
+        "attribute BOUNDARY_LENGTH of X : entity is 10;\n"
+        "attribute PORT_GROUPING of X : entity is\n\"Differential_Voltage (" +
+        pairs + ")\";\nattribute BOUNDARY_REGISTER of X : entity is\n" + value);
+}
+
+const std::string kPositive = "\"1 (BC_2, P, output3, 1, 2, 1, Z),";
+const std::string kBoth = kPositive + "5 (BC_1, *, internal, 0),\" & -- N\n";
+
+TEST(DifferentialCompletion, GivesTheNegativePortTheCellsOfThePositive) {
+    ReadDevice device(WithPairs("(Q, M)",
+                                "\"0 (BC_2, q, output3, 1, 1, 1, PULL1),\" &\n"
+                                "\"1 (BC_3, *, control, 1),\" &-- pad\n"
+                                "\"2 (BC_1, S, input, X), 3 (BC_1, *, internal, 0),\" &\n"
+                                "\"4 (BC_1, *, internal, 0),\" &-- m\n\"\";"));
+    BScanPinMap& map = device.map();
     EXPECT_EQ(device.result(), kOk);
-    const std::string name = device.map().GetBScanCell(2)->GetPinName();
-    EXPECT_EQ(name.size(), 40U * 201 - 1);
-    EXPECT_EQ(name.find_first_not_of("N "), std::string::npos);
+    EXPECT_EQ(Pairs(device.parser), "Q/M@0,4");
+    EXPECT_EQ(FilledCells(map),
+              "0: BC_2 OUTPUT3 [Q] [] safe 1 value 1 port Q:0 control 1 off 1 shows PULL1\n"
+              "1: BC_3 CONTROL [] [pad] safe 1 value 1\n"
+              "2: BC_1 INPUT [S] [] safe X value X port S:0\n"
+              "3: BC_3 CONTROL [] [pad] safe 1 value 1\n"
+              "4: BC_2 OUTPUT3 [M] [M] safe 1 value 1 port M:0 control 3 off 1 shows PULL1");
+    EXPECT_EQ(CellsOf(device.Port("M")), "4");
+    EXPECT_EQ(map.GetBScanBitArray()[0], 0xC0) << "the completion leaves the bits";
+    EXPECT_EQ(Legs(&map), "..+-.");
+    EXPECT_EQ(FindFault(device.parser, kOk), "");
+}
+
+TEST(DifferentialCompletion, PassesOverOrGivesUp) {
+    const struct {
+        const char* name;
+        const char* pairs;
+        std::string value;
+        int result;
+        const char* completed;
+        const char* legs;
+    } rows[] = {
+        {"no control cell", "(P,N)", "\"0 (BC_1, P, input, 0)," + kBoth.substr(1) + "\"\";", kOk,
+         "P/N@-1,-1", "+-..."},
+        {"no positive cell", "(N,P),(Q,M)", "\"5 (BC_1, *, internal, 0),\" & -- P\n\"\";", kOk,
+         "N/P@-1,-1 Q/M@-1,-1", "-++-."},
+        {"negative cell at position 0", "(P,N)",
+         "\"0 (BC_1, *, internal, 0),\" &-- n\n" + kPositive + "\";", kOk, "P/N@-1,-1", "+-..."},
+        {"negative name of no port", "(P,none)",
+         kPositive + "3 (BC_1, *, internal, 0),\" &-- NONE\n\"\";", kOk, "P/NONE@-1,-1", "+...."},
+        {"no negative cell", "(P,N)", kPositive + "\";", kOk, "", "....."},
+        {"none for the second", "(P,N),(Q,M)", kBoth + "\"6 (BC_2, q, output3, 1, 2, 1, Z)\";", kOk,
+         "", "....."},
+        {"first has no cells", "(S,Q),(P,N)", kBoth + "\"\";", kOk, "S/Q@-1,-1 P/N@1,5", "+--.+"},
+        {"after a failing entry", "(P,N)", kBoth + "\"99 (a,*,b,0)\";", kFailed, "P/N@1,5",
+         "+-..."},
+        {"not after a bad value", "(P,N)", kBoth + "\"1 (a))\";", kBadValue, "P/N@-1,-1", "+-..."},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        ReadDevice device(WithPairs(row.pairs, row.value));
+        EXPECT_EQ(device.result(), row.result);
+        EXPECT_EQ(Pairs(device.parser), row.completed);
+        EXPECT_EQ(Legs(&device.map()), row.legs);
+        // What earlier pairs got stays when a later one fails.
+        const bool got = std::string(row.completed).find("P/N@1,5") != std::string::npos ||
+                         row.name == std::string("none for the second");
+        EXPECT_EQ(CellsOf(device.Port("N")), got ? "5" : "");
+    }
+}
+
+TEST(DifferentialCompletion, MeetsPositionsThatAHostHasSet) {
+    ReadDevice device(WithPairs("(P,N)", kBoth + "\"\";"));
+    for (const int position : {INT_MIN, -1, 0, INT_MAX}) {
+        SCOPED_TRACE(position);
+        device.map().GetBScanCell(5)->SetBoundaryCellPosition(position);
+        const Stream value("\"8 (a,*,b,0)\";\n");
+        EXPECT_EQ(device.parser.ReadBSCANBoundaryRegister(value, Text("X is ")), kOk);
+        EXPECT_EQ(Pairs(device.parser), "P/N@1,5");
+    }
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 // answer is a code or a whole model, and in either case nothing leaks and the objects can be
 // destroyed.
 
-#include "invariants.h"
+#include "support/oracle.h"
 
 #include <gtest/gtest.h>
 
@@ -70,14 +70,6 @@ public:
     static bool WasSpared() { return memory.left > 0; }
 };
 
-/// A message of the error list, or what stands there without one.
-std::string Message(BScanParser& parser) {
-    if (!parser.GetErrorHandler()) return "no error handler";
-    parser.ProcessException(1, 1, nullptr);
-    const ErrorHandler& errors = *parser.GetErrorHandler();
-    return errors.GetErrorCount() > 0 ? errors.GetError(0) : "no message";
-}
-
 struct Outcome {
     int result = kOk;
     bool spared = false;
@@ -98,8 +90,12 @@ Outcome ReadWithFailure(const std::string& file, const std::string& folder, long
         if (outcome.result == kOk) outcome.result = parser.Read();
         outcome.spared = Failure::WasSpared();
     }
-    outcome.model = DumpModel(parser) + Message(parser);
-    outcome.fault = FindContradiction(parser, outcome.result);
+    outcome.model = DumpModel(parser);
+    parser.ProcessException(1, 1, nullptr);  // with or without an error handler
+    if (const ErrorHandler* const errors = parser.GetErrorHandler()) {
+        outcome.model += errors->GetErrorCount() > 0 ? errors->GetError(0) : "no message";
+    }
+    outcome.fault = FindFault(parser, outcome.result);
     if (outcome.fault.empty()) outcome.fault = FindDriveFault(parser);
     return outcome;
 }
@@ -134,56 +130,35 @@ TEST_P(FaultInjection, LeavesAReadingWholeOrRefused) {
 
 /// A device that a host makes without a file. Each step answers whether the device answers rightly.
 using Step = bool (*)(BScanPinMap&);
-constexpr Step kSteps[] = {
+char mode[] = "in", type[] = "BC_7", function[] = "bidir", pin[] = "a pin with a long name";
+char port[] = "a_port_with_a_long_name", renamed[] = "a_new_name_that_is_long_too";
+char vector[] = "VECTOR_WITH_A_LONG_NAME", both[] = "inout";
+const Step kSteps[] = {
+    [](BScanPinMap& map) { return map.AddNewPorts(port, mode, 5, true), true; },
+    [](BScanPinMap& map) { return map.AddNewPorts(vector, both, 3, 0), true; },
+    [](BScanPinMap& map) { return map.AllocateBScanCellTable(11), true; },
     [](BScanPinMap& map) {
-        char name[] = "a_port_with_a_long_name", mode[] = "in";
-        map.AddNewPorts(name, mode, 5, true);
-        return true;
-    },
-    [](BScanPinMap& map) {
-        char name[] = "Vector_with_a_long_name", mode[] = "inout";
-        map.AddNewPorts(name, mode, 3, 0);
-        return true;
-    },
-    [](BScanPinMap& map) {
-        map.AllocateBScanCellTable(11);
-        return true;
-    },
-    [](BScanPinMap& map) {
-        char name[] = "vector_with_a_long_name", type[] = "BC_7", function[] = "bidir";
-        const int result = map.AddNewRegister(3, type, name, 2, function, SIG_X, 4, SIG_0, SIG_Z,
+        const int result = map.AddNewRegister(3, type, vector, 2, function, SIG_X, 4, SIG_0, SIG_Z,
                                               SIG_1, "the original name of a cell");
         return result == kOk || result == kOutOfMemory;
     },
-    [](BScanPinMap& map) {
-        char port[] = "VECTOR_WITH_A_LONG_NAME", pin[] = "a pin with a long name";
-        map.SerialSetPinName(port, 0, pin);
-        return true;
-    },
+    [](BScanPinMap& map) { return map.SerialSetPinName(vector, 0, pin), true; },
     [](BScanPinMap& map) { return map.GetPort("another pin with a long name") == nullptr; },
-    [](BScanPinMap& map) { return map.GetPort("a pin with a long name") == NodeAt(map, 5); },
+    [](BScanPinMap& map) { return map.GetPort(pin) == NodeAt(map, 5); },
     [](BScanPinMap& map) {
         return map.GetBScanCell("vector_with_a_long_name2") == map.GetBScanCell(3) &&
                map.GetBScanCellByOriginalName("another cell with a long name") == nullptr;
     },
     [](BScanPinMap& map) { return NodeAt(map, 0)->GetPortName() != nullptr; },
-    [](BScanPinMap& map) {
-        char name[] = "a_new_name_that_is_long_too";
-        NodeAt(map, 0)->SetPortName(name);
-        return true;
-    },
+    [](BScanPinMap& map) { return NodeAt(map, 0)->SetPortName(renamed), true; },
     [](BScanPinMap& map) {
         char name[] = "A_PORT_WITH_A_LONG_NAME";
         return map.GetPort(name, 1) == NodeAt(map, 1);
     },
     [](BScanPinMap& map) {
-        map.GetBScanCell(3)->SetPinName("a_new_cell_name_that_is_long");
-        return true;
+        return map.GetBScanCell(3)->SetPinName("a_new_cell_name_that_is_long"), true;
     },
-    [](BScanPinMap& map) {
-        map.SetIOName("names, of, a, declaration, for, input, and, output");
-        return true;
-    },
+    [](BScanPinMap& map) { return map.SetIOName("names, of, a, declaration, for, both"), true; },
 };
 
 std::string State(BScanPinMap& map) {
@@ -200,6 +175,7 @@ TEST_P(FaultInjection, LeavesADeviceThatWorksOn) {
         ASSERT_TRUE(step(undisturbed));
         expected.push_back(State(undisturbed));
     }
+    SCOPED_TRACE("the first trace of a thread allocates for good");
     bool spared = false;
     for (long n = 0; !spared && !HasFailure(); ++n) {
         const long live = memory.live;

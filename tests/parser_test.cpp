@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <type_traits>
 
 namespace bscan::test {
@@ -19,25 +20,18 @@ TEST(Entity, IsReadLineByLine) {
     } rows[] = {
         {kGood, kOk, "GOOD"},
         {"-- comment\n\n  entity\tX\tis\n generic (\n A);\nend;", kOk, "X"},
-        {"entity X is;\nend X;\nwhatever\n", kOk, "X"},
         {"entityX is;\nend;\n", kOk, "X"},
         {"entity X;\nendpoint", kOk, ""},
         {"entity X is\ngeneric (A : string);\nuse STD_1149_1_2001.all;\nend;\n", kOk, "X"},
         {"entity X is;\nuse A,\nB;\nend;\n", kUnexpectedLine, "X"},
         {"entity X is;\n\"left over\" &\n\"lines\";\nend;\n", kOk, "X"},
-        {"entity X is;\n;\nend;\n", kUnexpectedLine, "X"},
         {"entity X is;\nPort (\nA : in bit);\nend;\n", kUnexpectedLine, "X"},
-        {"entity X is;\nx end;\n", kUnexpectedLine, "X"},
         {"entity X is\nport (TDI : in bit;\nTDO : out bit);\nend;\n", kUnexpectedLine, "X"},
         {"entity X is;\nportable;\nend;", kEndOfFile, "X"},
         {"entity X is;\n", kReadFailed, "X"},
-        {"entity X is;", kEndOfFile, "X"},
         {"entity X is\n", kReadFailed, nullptr},
         {"library IEEE;\nentity X is;\nend;\n", kUnexpectedLine, nullptr},
         {"Entity X is;\nend;\n", kUnexpectedLine, nullptr},
-        {"", kReadFailed, nullptr},
-        {"-- nothing\n", kReadFailed, nullptr},
-        {"-- nothing", kEndOfFile, nullptr},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -52,19 +46,18 @@ TEST(Parser, OpensAndClosesItsFile) {
     const std::filesystem::path working = std::filesystem::current_path();
     const TempDir directory;
     const std::string file = directory.Write("good.bsd", kGood);
+    const std::string absent = directory.Path("absent");
     {
         BScanParser parser;
         EXPECT_EQ(parser.Read(), kFailed) << "no file is open";
-        EXPECT_EQ(parser.GetErrorHandler(), nullptr);
-        EXPECT_EQ(parser.Initialize(file.c_str(), directory.Path("absent").c_str()), kBadDirectory);
+        EXPECT_EQ(parser.Initialize(file.c_str(), absent.c_str()), kBadDirectory);
         EXPECT_EQ(parser.Initialize(file.c_str(), file.c_str()), kBadDirectory);
         EXPECT_EQ(parser.GetBSDLFilename(), nullptr);
-        EXPECT_EQ(parser.Initialize(directory.Path("absent").c_str(), ""), kCannotOpen);
+        EXPECT_EQ(parser.Initialize(absent.c_str(), ""), kCannotOpen);
         EXPECT_EQ(fptrBSDL, nullptr);
         EXPECT_EQ(parser.Initialize(file.c_str(), directory.Path("").c_str()), kOk);
-        EXPECT_NE(fptrBSDL, nullptr);
         EXPECT_EQ(parser.GetLineNumber(), 0) << "the lines of the package pass do not count";
-        EXPECT_EQ(parser.Initialize(directory.Path("absent").c_str(), ""), kCannotOpen);
+        EXPECT_EQ(parser.Initialize(absent.c_str(), ""), kCannotOpen);
         EXPECT_NE(fptrBSDL, nullptr) << "a failed start leaves the open file";
         EXPECT_EQ(parser.Read(), kOk);
         EXPECT_EQ(parser.GetLineNumber(), 3);
@@ -77,9 +70,6 @@ TEST(Parser, OpensAndClosesItsFile) {
     }
     EXPECT_EQ(fptrBSDL, nullptr) << "the destructor closes the file";
     EXPECT_EQ(std::filesystem::current_path(), working);
-    BScanParser directory_reader;
-    EXPECT_EQ(directory_reader.Initialize(directory.Path("").c_str(), nullptr), kOk);
-    EXPECT_EQ(directory_reader.Read(), kReadFailed);
 }
 
 TEST(Parser, WorksWithOthersInOneProcess) {
@@ -94,7 +84,6 @@ TEST(Parser, WorksWithOthersInOneProcess) {
         EXPECT_EQ(first.Read(), kOk) << "it reads the file that is open";
         EXPECT_STREQ(first.GetComponentName(), "OTHER");
     }
-    EXPECT_EQ(fptrBSDL, nullptr);
     EXPECT_EQ(second.Read(), kFailed);
     ASSERT_EQ(second.Initialize(good.c_str(), ""), kOk);
     EXPECT_EQ(second.Read(), kOk);
@@ -104,19 +93,14 @@ TEST(Parser, WorksWithOthersInOneProcess) {
 TEST(Parser, ASecondReadingAddsToTheFirst) {
     const TempDir directory;
     BScanParser parser;
-    const auto read = [&](std::string_view statements) {
-        const std::string file = directory.Write("d.bsd", Entity(statements));
-        EXPECT_EQ(parser.Initialize(file.c_str(), ""), kOk);
+    for (const char* statements :
+         {"port (\nA : in bit);\nattribute INSTRUCTION_LENGTH of X : entity is 4;",
+          "port (\nB : in bit);\nattribute INSTRUCTION_CAPTURE of X : entity is \"01\" ;"}) {
+        EXPECT_EQ(parser.Initialize(directory.Write("d", Entity(statements)).c_str(), ""), kOk);
         EXPECT_EQ(parser.Read(), kOk);
-    };
-    read("port (\nA : in bit);\nattribute INSTRUCTION_LENGTH of X : entity is 4;");
-    const BScanPinMap* const map = parser.GetPinMap();
-    const CInstrRegisterDesc* const instructions = parser.GetInstructionRegisterDescription();
-    read("port (\nB : in bit);\nattribute INSTRUCTION_CAPTURE of X : entity is \"01\" ;");
-    EXPECT_EQ(parser.GetPinMap(), map);
-    EXPECT_EQ(parser.GetInstructionRegisterDescription(), instructions);
-    EXPECT_EQ(Ports(map), "A:in:0 B:in:0");
-    EXPECT_EQ(instructions->GetInstructionLength(), 4);
+    }
+    EXPECT_EQ(Ports(parser.GetPinMap()), "A:in:0 B:in:0");
+    EXPECT_EQ(parser.GetInstructionRegisterDescription()->GetInstructionLength(), 4);
 }
 
 TEST(ErrorReport, ComposesAMessage) {
@@ -125,6 +109,7 @@ TEST(ErrorReport, ComposesAMessage) {
                     "1 2 3 in line %d\n2 0 65535 %d:%d %d %s%%\n65535 65535 0 last\n4 4 7 \n");
     const std::string file = directory.Write("good.bsd", kGood);
     BScanParser parser;
+    EXPECT_EQ(parser.ProcessException(1, 2, Text("x")), -1) << "no error handler";
     ASSERT_EQ(parser.Initialize(file.c_str(), directory.Path("").c_str()), kOk);
     ASSERT_EQ(parser.Read(), kOk);
     const struct {
@@ -135,7 +120,6 @@ TEST(ErrorReport, ComposesAMessage) {
         const char* message;
     } rows[] = {
         {9, 9, "bad cell", -1, "\nbad cell\nXML Parser Error At Line 3, Column 0."},
-        {9, 9, nullptr, -1, "\nXML Parser Error At Line 3, Column 0."},
         {9, 9, "%s%n %d", -1, "\n%s%n %d\nXML Parser Error At Line 3, Column 0."},
         {1, 2, "x", 3, "\nx\nin line 3"},
         {1 + 65536, 2 + 65536, "", 3, "\n\nin line 3"},
@@ -145,42 +129,16 @@ TEST(ErrorReport, ComposesAMessage) {
     int count = 0;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.message);
-        Text text(row.text ? row.text : "");
-        char* const argument = row.text ? static_cast<char*>(text) : nullptr;
-        EXPECT_EQ(parser.ProcessException(row.group, row.number, argument), row.result);
+        EXPECT_EQ(parser.ProcessException(row.group, row.number, Text(row.text)), row.result);
         ASSERT_EQ(parser.GetErrorHandler()->GetErrorCount(), ++count);
         EXPECT_STREQ(parser.GetErrorHandler()->GetError(count - 1), row.message);
     }
     EXPECT_EQ(parser.Reset(), kOk);
     EXPECT_EQ(parser.GetErrorHandler()->GetErrorCount(), 0);
-    EXPECT_EQ(parser.GetLineNumber(), 0);
     EXPECT_EQ(parser.ProcessException(1, 2, nullptr), -1) << "a fresh handler has no table";
     EXPECT_STREQ(parser.GetErrorHandler()->GetError(0), "\nXML Parser Error At Line 0, Column 0.");
     parser.ClearBuffers();
     EXPECT_EQ(parser.GetErrorHandler(), nullptr);
-    EXPECT_EQ(parser.ProcessException(1, 2, nullptr), -1);
-}
-
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // nobody deletes one through its base
-/// Counts the calls that reach an overriding Reset.
-class CountingParser final : public BScanParser {
-public:
-    int Reset() override {
-        ++resets;
-        return resets > 1 ? -99 : BScanParser::Reset();
-    }
-    int resets = 0;
-};
-#pragma GCC diagnostic pop
-
-TEST(Reset, IsTheHostsToOverride) {
-    const TempDir directory;
-    const std::string file = directory.Write("good.bsd", kGood);
-    CountingParser parser;
-    EXPECT_EQ(parser.Initialize(file.c_str(), ""), kOk);
-    EXPECT_EQ(parser.Initialize(file.c_str(), ""), -99);
-    EXPECT_EQ(parser.resets, 2);
 }
 
 TEST(ResultCodes, AllHaveAMeaning) {

@@ -1,4 +1,6 @@
-// Ports and the package pins that pin map strings bond them to.
+// Package pins, their numbers, and the ports that pin map strings bond to them.
+
+#include <bscan/pin_order.h>
 
 #include "support/read_device.h"
 
@@ -7,58 +9,139 @@
 namespace bscan::test {
 namespace {
 
-std::string WithPorts(std::string_view package, std::string_view statements) {
-    return "entity X is\ngeneric (PHYSICAL_PIN_MAP : string := \"" + std::string(package) +
-           "\");\nport (\nTDI : in bit;\nD : inout bit_vector (2 downto 0);\nd : in bit;\n);\n" +
-           std::string(statements) + "\nend X;\n";
+TEST(PinOrder, PutsShorterStringsFirst) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"B", "AA"}, {"AB", "AC"}, {"", "A"}, {"A", "\xC4"}};  // bytes count as unsigned
+    for (const auto& [first, second] : rows) {
+        // By its name, as a global operator< is hidden here by those of this namespace.
+        EXPECT_TRUE(::operator<(first, second)) << first;
+        EXPECT_FALSE(::operator<(second, first)) << first;
+        EXPECT_FALSE(::operator<(first, first)) << first;
+    }
 }
 
+TEST(PinOrder, PutsLargerNumbersFirst) {
+    const std::pair<PIN_NAME, PIN_NAME> rows[] = {{{"A", 12}, {"A", 3}}, {{"B", 5}, {"AA", 5}},
+                                                  {{"A", 5}, {"B", 5}},  {{"ZZ", 65535}, {"", 0}},
+                                                  {{"", 5}, {"A", 5}},   {{"A", 5}, {"a", 5}}};
+    for (const auto& [first, second] : rows) {
+        EXPECT_TRUE(pin_smaller(first, second)) << first.letters;
+        EXPECT_FALSE(pin_smaller(second, first)) << first.letters;
+        EXPECT_FALSE(pin_smaller(first, first)) << first.letters;
+    }
+}
+
+std::string PackagePins(const BScanParser& parser) {
+    if (parser.GetPackageMapCount() == 0) return "none";
+    const PackagePinMap& map = *parser.GetPackageMap(0);
+    std::string pins = map.GetPackageName() + std::string(":");
+    for (int i = 0; i < map.GetNumberOfPins(); ++i) pins += std::string(" ") + map.GetPin(i);
+    return pins;
+}
+
+/// What the package pass makes of a text; a number where it fails.
+std::string PassOver(const std::string& text) {
+    const TempDir directory;
+    BScanParser parser;
+    const int result = parser.ReadPackageDB(Text(directory.Write("p.bsd", text)));
+    EXPECT_EQ(fptrBSDL, nullptr);
+    return result == kOk ? PackagePins(parser) : std::to_string(result) + PackagePins(parser);
+}
+
+TEST(PackagePass, NumbersLetteredPins) {
+    const std::pair<std::string, const char*> rows[] = {
+        {"X : (B1, A1, B2, A2)", "pkg: A2 B2 A1 B1"},
+        {"TDI : 1, TDO : A2", "none"},
+        {"A : B2, C : 7, D : (2, AB2)", "pkg: 7 2 B2 AB2"},
+        {"A : (A1, B1, A1)", "pkg: A1 B1"},
+        {"A : (a01, A1, 1A, A-1)", "pkg: A1 a1"},
+        {"A : (A65537, A65535, B99999999999999999999)", "pkg: A65535 B65535 A1"},
+        {"D : (A1, A2", "pkg: A2 A1"},
+        {"D : (A1,,A2)", "pkg: A2 A1"},
+        {"A1, B2", "pkg: B2 A1"},
+        {"X : , Y : ()", "none"},
+        {"", "none"}};
+    for (const auto& [value, pins] : rows) {
+        SCOPED_TRACE(value);
+        EXPECT_EQ(PassOver("constant PKG : PIN_MAP_STRING :=\n\"" + value + "\";\n"), pins);
+    }
+}
+
+TEST(PackagePass, TakesTheFirstPinMapConstant) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"entity X is\nend X;\n", "none"},
+        {"", "none"},
+        {"constant BGA_1:PIN_MAP_STRING:=\n\"X:A1\";\nconstant B:PIN_MAP_STRING:=\n\"X:B1\";\n",
+         "bga_1: A1"},
+        {"constant A : STRING := \"X\";\nconstant B : PIN_MAP_STRING := \"X:B1\";\n", "b: B1"},
+        {"constant MY_PIN_MAP_STRING_2 : PIN_MAP_STRING := \"X:A1\";\n"
+         "constant B : PIN_MAP_STRING := \"X:B1\";\n",
+         "b: B1"},
+        {"constant A : PIN_MAP_STRING := \"X:1\";\nconstant B : PIN_MAP_STRING := \"X:B1\";\n",
+         "none"},
+        {"constant A : PIN_MAP_STRING := \"X:A1,\" &\n\"Y:A2,\" & -- comment\n\"Z:A3\";\n",
+         "a: A3 A2 A1"},
+        {"constant A :\nPIN_MAP_STRING :=\n\"X:A1\";\n", "a: A1"},
+        {"constant A :\nPIN_MAP_STRING := \"X:A1\" &\n\"Y:A2\";\n", "a: A2"},
+        {"constant A : PIN_MAP_STRING\n", "-3none"},
+        {"constant A : PIN_MAP_STRING :=\n\"X:A1\" &\n", "-3none"}};
+    for (const auto& [text, pins] : rows) EXPECT_EQ(PassOver(text), pins) << text;
+}
+
+TEST(PackagePass, AddsToTheDesignatorsOfAFormerOne) {
+    const TempDir directory;
+    BScanParser parser;
+    EXPECT_EQ(parser.ReadPackageDB(Text(directory.Path("absent"))), kCannotOpen);
+    for (const char* text : {"constant A : PIN_MAP_STRING := \"X:(A1,B9)\";\n",
+                             "constant B : PIN_MAP_STRING := \"X:C5\";\n", "no constant\n"})
+        EXPECT_EQ(parser.ReadPackageDB(Text(directory.Write("p.bsd", text))), kOk);
+    EXPECT_EQ(parser.GetPackageMapCount(), 1);
+    EXPECT_EQ(PackagePins(parser), "b: B9 C5 A1");
+}
+
+// The ports are TDI, D[2..0] and d; a row gives their pins.
 TEST(PinMap, GivesPortsTheirPins) {
     const struct {
-        const char* name;
         const char* package;
         const char* statements;
         const char* pins;
     } rows[] = {
-        {"numbers", "P", "constant P:PIN_MAP_STRING:=\n\"TDI : 3, D : (+5, 4x , 07)\";",
-         "TDI=3/3 D=+5/5 D=4x/4 D=07/7 d=(null)/-1"},
-        {"letters", "Bga64", "constant bGA64:PIN_MAP_STRING:=\n\"D:(A1,A2,B1),TDI:B2\";",
-         "TDI=B2/2 D=A1/3 D=A2/1 D=B1/4 d=(null)/-1"},
-        {"as written, not as numbered", "P",
-         "constant P:PIN_MAP_STRING:=\n\"D:(A01,A1,a1), d:a1\";",
-         "TDI=(null)/-1 D=A01/-13 D=A1/1 D=a1/2 d=a1/2"},
-        {"another package", "Q", "constant P:PIN_MAP_STRING:=\n\"TDI:A1,D:(7A,A2,12)\";",
-         "TDI=A1/0 D=7A/7 D=A2/0 D=12/12 d=(null)/-1"},
-        {"every constant counts, the first numbers", "P",
-         "constant P:PIN_MAP_STRING:=\n\"TDI:A1,d:B1\";\nconstant "
-         "Q:PIN_MAP_STRING:=\n\"TDI:B1,D:C1\";",
-         "TDI=B1/2 D=C1/-13 D=(null)/-1 D=(null)/-1 d=B1/2"},
-        {"too many pins and unknown ports", "P",
-         "constant P:PIN_MAP_STRING:=\n\"TDI:(1,2), X:3, D:(4,5,6,7), tdi:9\";",
-         "TDI=1/1 D=4/4 D=5/5 D=6/6 d=(null)/-1"},
-        {"an entry without a name is the former port's", "P",
-         "constant P:PIN_MAP_STRING:=\n\"TDI:1,2\";",
-         "TDI=2/2 D=(null)/-1 D=(null)/-1 D=(null)/-1 d=(null)/-1"},
-        {"no comma behind a group", "P", "constant P:PIN_MAP_STRING:=\n\"D:(1,2,3) TDI:4\";",
-         "TDI=4/4 D=1/1 D=2/2 D=3/3 d=(null)/-1"},
-        {"group without end", "P", "constant P:PIN_MAP_STRING:=\n\"D:(1,2,3\";",
-         "TDI=(null)/-1 D=1/1 D=2/2 D=3/3 d=(null)/-1"},
-        {"white space", "P",
-         "constant P:PIN_MAP_STRING:=\n\"D : ( 1 , 2 ,3 ) , d:4,\" &\n\" TDI :5 \";",
-         "TDI=5/5 D=1/1 D=2/2 D=3/3 d=4/4"},
-        {"white space in front is of the name", "P",
-         "constant P:PIN_MAP_STRING:=\n\"\" &\n\"TDI:1\";",
-         "TDI=(null)/-1 D=(null)/-1 D=(null)/-1 D=(null)/-1 d=(null)/-1"},
-        {"attribute", "P", "attribute PIN_MAP_STRING of X : entity is\n\"TDI:8\";",
-         "TDI=8/8 D=(null)/-1 D=(null)/-1 D=(null)/-1 d=(null)/-1"},
-        {"constant of another type", "P", "constant P:PIN_MAP_STRINGS:=\n\"TDI:8\";",
-         "TDI=(null)/-1 D=(null)/-1 D=(null)/-1 D=(null)/-1 d=(null)/-1"},
-    };
+        {"P", "constant P:PIN_MAP_STRING:=\n\"TDI : 3, D : (+5, 4x , 07)\";",
+         "3/3 +5/5 4x/4 07/7 -"},
+        {"Bga64", "constant bGA64:PIN_MAP_STRING:=\n\"D:(A1,A2,B1),TDI:B2\";",
+         "B2/2 A1/3 A2/1 B1/4 -"},
+        // Pins are found as written, not as numbered.
+        {"P", "constant P:PIN_MAP_STRING:=\n\"D:(A01,A1,a1), d:a1\";", "- A01/-13 A1/1 a1/2 a1/2"},
+        {"Q", "constant P:PIN_MAP_STRING:=\n\"TDI:A1,D:(7A,A2,12)\";", "A1/0 7A/7 A2/0 12/12 -"},
+        // Every constant counts, the first one numbers.
+        {"P",
+         "constant P:PIN_MAP_STRING:=\n\"TDI:A1,d:B1\";\n"
+         "constant Q:PIN_MAP_STRING:=\n\"TDI:B1,D:C1\";",
+         "B1/2 C1/-13 - - B1/2"},
+        {"P", "constant P:PIN_MAP_STRING:=\n\"TDI:(1,2), X:3, D:(4,5,6,7), tdi:9\";",
+         "1/1 4/4 5/5 6/6 -"},
+        {"P", "constant P:PIN_MAP_STRING:=\n\"TDI:1,2,d:3\";", "1/1 - - - -"},
+        {"P", "constant P:PIN_MAP_STRING:=\n\"D:(1,2,3) TDI:4\";", "4/4 1/1 2/2 3/3 -"},
+        {"P", "constant P:PIN_MAP_STRING:=\n\"D:(1,2,3\";", "- 1/1 2/2 3/3 -"},
+        {"P", "constant P:PIN_MAP_STRING:=\n\"D : ( 1 , 2 ,3 ) , d:4,\" &\n\" TDI :5 \";",
+         "5/5 1/1 2/2 3/3 4/4"},
+        // White space in front is of the name.
+        {"P", "constant P:PIN_MAP_STRING:=\n\"\" &\n\"TDI:1\";", "- - - - -"},
+        {"P", "attribute PIN_MAP_STRING of X : entity is\n\"TDI:8\";", "8/8 - - - -"}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        ReadDevice device(WithPorts(row.package, row.statements));
+        SCOPED_TRACE(row.statements);
+        ReadDevice device(std::string("entity X is\ngeneric (PHYSICAL_PIN_MAP : string := \"") +
+                          row.package + "\");\nport (\nTDI : in bit;\n" +
+                          "D : inout bit_vector (2 downto 0);\nd : in bit;\n);\n" + row.statements +
+                          "\nend X;\n");
         EXPECT_EQ(device.result(), kOk);
-        EXPECT_EQ(Pins(device.parser.GetPinMap()), row.pins);
+        std::string pins;
+        for (int i = 0; i < device.map().GetNumberOfPins(); ++i) {
+            const LPinNode& node = *NodeAt(device.map(), i);
+            const char* const pin = PinName(node);
+            pins += pin ? pin + ('/' + std::to_string(node.GetPinNumber())) + ' ' : "- ";
+        }
+        EXPECT_EQ(pins, row.pins + std::string(" "));
     }
 }
 
@@ -76,27 +159,30 @@ TEST(PinMap, FailureDoesNotEndTheReading) {
 }
 
 TEST(PinNumber, IsThatOfTheSelectedPackage) {
-    BScanParser parser;
-    EXPECT_EQ(parser.MapPinNametoPinNumber(nullptr), kNoPinName);
-    EXPECT_EQ(parser.MapPinNametoPinNumber(" -12x"), -12);
-    EXPECT_EQ(parser.MapPinNametoPinNumber("A1"), 0);
-    EXPECT_EQ(parser.MapPinNametoPinNumber(""), 0);
-    EXPECT_EQ(parser.MapPinNametoPinNumber("4294967297"), 1);
     const TempDir directory;
-    ASSERT_EQ(parser.ReadPackageDB(Text(
-                  directory.Write("p.bsd", "constant P:PIN_MAP_STRING:=\n\"X:(A1,A2,B1,B2)\";\n"))),
-              kOk);
-    EXPECT_EQ(parser.MapPinNametoPinNumber("B2"), 0) << "no package is selected";
-    parser.SetPackageType(Text("P"));
-    EXPECT_EQ(parser.MapPinNametoPinNumber("B2"), 0) << "the map's name is in lower case";
-    parser.SetPackageType(Text("p"));
-    EXPECT_EQ(parser.MapPinNametoPinNumber("B2"), 2);
-    EXPECT_EQ(parser.MapPinNametoPinNumber("B1"), 4);
-    EXPECT_EQ(parser.MapPinNametoPinNumber("b1"), kUnknownPin);
-    EXPECT_EQ(parser.MapPinNametoPinNumber(""), kUnknownPin);
-    EXPECT_EQ(parser.MapPinNametoPinNumber(nullptr), kNoPinName);
-    parser.SetPackageType(Text("q"));
-    EXPECT_EQ(parser.MapPinNametoPinNumber("12"), 12);
+    const std::string file =
+        directory.Write("p.bsd", "constant P:PIN_MAP_STRING:=\n\"X:(A1,A2,B1,B2)\";\n");
+    const struct {
+        const char* package;
+        const char* pin;
+        int number;
+    } rows[] = {{nullptr, nullptr, kNoPinName},
+                {nullptr, " -12x", -12},
+                {nullptr, "B2", 0},  // no package is selected
+                {"P", "B2", 0},      // the map's name is in lower case
+                {"p", "B2", 2},
+                {"p", "B1", 4},
+                {"p", "b1", kUnknownPin},
+                {"p", "", kUnknownPin},
+                {"p", nullptr, kNoPinName},
+                {"q", "12", 12}};
+    BScanParser parser;
+    ASSERT_EQ(parser.ReadPackageDB(Text(file)), kOk);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        parser.SetPackageType(Text(row.package));
+        EXPECT_EQ(parser.MapPinNametoPinNumber(row.pin), row.number);
+    }
 }
 
 }  // namespace

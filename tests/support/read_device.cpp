@@ -1,6 +1,5 @@
 #include "read_device.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -10,6 +9,34 @@
 #include <utility>
 
 namespace bscan::test {
+
+const std::string_view kSmallDevice = R"bsdl(entity S is
+generic (PHYSICAL_PIN_MAP : string := "P");
+port (
+ A : in bit; -- a
+ D : inout bit_vector (1 downto 0);
+ V : linkage bit);
+use STD.all;
+attribute PIN_MAP of S : entity is P;
+constant P : PIN_MAP_STRING := "A:A1," &
+ "D:(B1,B2),V:A2";
+attribute PORT_GROUPING of S : entity is
+ "Differential_Voltage ((D,V))";
+attribute INSTRUCTION_LENGTH of S : entity is 2;
+attribute INSTRUCTION_OPCODE of S : entity is
+ "BYPASS (11)," & "EXTEST (00,01)";
+attribute INSTRUCTION_CAPTURE of S : entity is "01";
+attribute REGISTER_ACCESS of S : entity is "BOUNDARY (EXTEST)";
+attribute BOUNDARY_LENGTH of S : entity is 5;
+attribute BOUNDARY_REGISTER of S : entity is
+ "0 (BC_1, *, control, 0)," &
+ "1 (BC_7, D(0), bidir, X, 0, 0, Z)," & -- D0
+ "2 (BC_1, A, input, X)," &
+ "3 (BC_1, *, internal, 1)," &
+ "4 (BC_1, *, internal, 1)," & -- V
+ "";
+end S;
+)bsdl";
 
 namespace {
 
@@ -21,68 +48,18 @@ constexpr const char* kFunctions[] = {"INPUT",    "CLOCK",     "OUTPUT2",      "
 
 const char* OrNull(const char* text) { return text ? text : "(null)"; }
 
-const LPinNode* NodeAt(const BScanPinMap* map, int index) {
-    return static_cast<const LPinNode*>(std::as_const(*map->GetPinListArray()).GetAt(index));
-}
-
+/// What `write(out, i)` writes for each i below a count, with something in between.
 template <typename Write>
-std::string ForEachNode(const BScanPinMap* map, Write write) {
+std::string Join(const char* separator, int count, Write write) {
     std::ostringstream out;
-    for (int i = 0; map && i < map->GetNumberOfPins(); ++i) {
-        out << (i ? " " : "");
-        write(out, *NodeAt(map, i));
+    for (int i = 0; i < count; ++i) {
+        out << (i ? separator : "");
+        write(out, i);
     }
     return out.str();
 }
 
-bool BitIsSet(BScanPinMap& map, int n) {
-    return (map.GetBScanBitArray()[n / 8] & (0x80 >> (n % 8))) != 0;
-}
-
-std::string FindCellFault(BScanPinMap& map, const std::vector<const LPinNode*>& nodes) {
-    const int length = map.GetBScanLength();
-    const LBScanCell* table = map.GetBScanCellTable();
-    for (int n = 0; n < length; ++n) {
-        const LBScanCell& cell = table[n];
-        const std::string where = "cell " + std::to_string(n);
-        const int position = cell.GetBoundaryCellPosition();
-        if (position != n && position != -1) return where + " is at another position";
-        const LBScanCell* control = cell.GetControlCell();
-        if (control && (control < table || control >= table + length))
-            return where + " has a control cell outside the table";
-        if (cell.GetPinNode() && !std::binary_search(nodes.begin(), nodes.end(), cell.GetPinNode()))
-            return where + " serves an unknown port";
-    }
-    for (int n = length; n < (length + 7) / 8 * 8; ++n)
-        if (BitIsSet(map, n)) return "a bit past the register is set";
-    return {};
-}
-
-// A role's cell: the first of its functions, by the mode-independent tables of the ports.
-std::string FindBitFault(BScanPinMap& map, LPinNode* node) {
-    map.UpdateBScanBitArray(node);
-    const LObjList* cells = node->GetBScanCells();
-    bool input = false;
-    bool output = false;
-    bool observe = false;
-    for (int i = 0; cells && i < cells->GetCount(); ++i) {
-        const auto* cell = static_cast<const LBScanCell*>(cells->GetAt(i));
-        const int n = static_cast<int>(cell - map.GetBScanCellTable());
-        if (n < 0 || n >= map.GetBScanLength()) return "a port lists a cell outside the table";
-        const CellFunction f = cell->GetFunction();
-        const bool first_input = (f == INPUT || f == BIDIR_IN || f == BIDIR) && !input;
-        const bool first_output =
-            (f == OUTPUT2 || f == OUTPUT3 || f == BIDIR_OUT || f == BIDIR) && !output;
-        const bool first_observe = f == OBSERVE_ONLY && !observe;
-        input |= first_input;
-        output |= first_output;
-        observe |= first_observe;
-        if ((first_input || first_output || first_observe) &&
-            cell->GetBoundaryCellPosition() == n && BitIsSet(map, n) != (cell->cellValue == SIG_1))
-            return "bit " + std::to_string(n) + " is not its cell's value";
-    }
-    return {};
-}
+int PinCount(const BScanPinMap* map) { return map ? map->GetNumberOfPins() : 0; }
 
 }  // namespace
 
@@ -112,12 +89,12 @@ Stream::Stream(std::string_view text)
 }
 
 ReadDevice::ReadDevice(std::string_view text, std::vector<unsigned char> capture,
-                       const std::vector<unsigned char>* mask) {
+                       std::vector<unsigned char> mask) {
     static const TempDir directory;
-    std::vector<unsigned char> valid = mask ? *mask : std::vector<unsigned char>();
-    if (!capture.empty())
+    if (!capture.empty()) {
         parser.SetBSCANBitArray(capture.data(), static_cast<int>(capture.size()),
-                                mask ? valid.data() : nullptr);
+                                mask.empty() ? nullptr : mask.data());
+    }
     result_ = parser.Initialize(directory.Write("device.bsd", text).c_str(), nullptr);
     if (result_ == kOk) result_ = parser.Read();
     parser.CloseFile();
@@ -128,79 +105,86 @@ std::string Entity(std::string_view statements) {
            std::string(statements) + "\nend CHIP;\n";
 }
 
+LPinNode* NodeAt(const BScanPinMap& map, int index) {
+    return static_cast<LPinNode*>(map.GetPinListArray()->GetAt(index));
+}
+
+bool BitAt(BScanPinMap& map, int cell) {
+    return (map.GetBScanBitArray()[cell / 8] & 0x80 >> cell % 8) != 0;
+}
+
 std::string Ports(const BScanPinMap* map) {
-    return ForEachNode(map, [](std::ostream& out, const LPinNode& node) {
+    return Join(" ", PinCount(map), [&](std::ostream& out, int i) {
+        const LPinNode& node = *NodeAt(*map, i);
         out << OrNull(PortName(node)) << ':' << kModes[node.GetPortType()] << ':'
             << node.GetVectorIndex();
     });
 }
 
 std::string Pins(const BScanPinMap* map) {
-    return ForEachNode(map, [](std::ostream& out, const LPinNode& node) {
+    return Join(" ", PinCount(map), [&](std::ostream& out, int i) {
+        const LPinNode& node = *NodeAt(*map, i);
         out << OrNull(PortName(node)) << '=' << OrNull(PinName(node)) << '/' << node.GetPinNumber();
     });
 }
 
+std::string Legs(const BScanPinMap* map) {
+    return Join("", PinCount(map), [&](std::ostream& out, int i) {
+        const LPinNode& node = *NodeAt(*map, i);
+        out << (node.IsPositive() ? '+' : node.IsNegative() ? '-' : '.');
+    });
+}
+
 std::string CellsOf(const LPinNode* node) {
-    std::ostringstream out;
-    const LObjList* cells = node ? node->GetBScanCells() : nullptr;
-    for (int i = 0; cells && i < cells->GetCount(); ++i)
-        out << (i ? " " : "")
-            << static_cast<const LBScanCell*>(cells->GetAt(i))->GetBoundaryCellPosition();
-    return out.str();
+    const LObjList* const cells = node ? node->GetBScanCells() : nullptr;
+    return Join(" ", cells ? cells->GetCount() : 0, [&](std::ostream& out, int i) {
+        out << static_cast<const LBScanCell*>(cells->GetAt(i))->GetBoundaryCellPosition();
+    });
 }
 
 std::string Describe(const LBScanCell& cell) {
     std::ostringstream out;
-    if (cell.GetBScanCellType() == BC_UNKNOWN)
-        out << "BC_?";
-    else
-        out << "BC_" << cell.GetBScanCellType();
-    out << ' ' << kFunctions[cell.GetFunction()] << " [" << cell.GetPinName() << "] ["
+    const CellType type = cell.GetBScanCellType();
+    out << "BC_" << (type == BC_UNKNOWN ? "?" : std::to_string(type)) << ' '
+        << kFunctions[cell.GetFunction()] << " [" << cell.GetPinName() << "] ["
         << cell.GetOriginalPinName() << "] safe " << kLevels[cell.safeValue] << " value "
         << kLevels[cell.cellValue];
-    if (cell.GetPinNode())
-        out << " port " << OrNull(PortName(*cell.GetPinNode())) << ':'
-            << cell.GetPinNode()->GetVectorIndex();
-    if (cell.GetControlCell())
+    if (const LPinNode* const node = cell.GetPinNode()) {
+        out << " port " << OrNull(PortName(*node)) << ':' << node->GetVectorIndex();
+    }
+    if (cell.GetControlCell()) {
         out << " control " << cell.GetControlCell()->GetBoundaryCellPosition() << " off "
             << kLevels[cell.disableValue] << " shows " << kLevels[cell.disableResult];
+    }
     return out.str();
 }
 
-std::string Pairs(const BScanParser& parser) {
-    std::ostringstream out;
-    const char* separator = "";
-    for (const CDifferentialPair& pair : *parser.GetDifferentialPairList()) {
-        out << separator << pair.GetPositiveElement() << '/' << pair.GetNegativeElement() << '@'
+std::string Pairs(BScanParser& parser) {
+    return Join(" ", parser.GetDifferentialPairCount(), [&](std::ostream& out, int i) {
+        const CDifferentialPair& pair = *parser.GetDifferentialPair(i);
+        out << pair.GetPositiveElement() << '/' << pair.GetNegativeElement() << '@'
             << pair.GetPositiveBScanPosition() << ',' << pair.GetNegativeBScanPosition();
-        separator = " ";
-    }
-    return out.str();
+    });
 }
 
-std::string Instructions(const CInstrRegisterDesc* description) {
-    std::ostringstream out;
-    for (int i = 0; description && i < description->GetInstructionOpcodeCount(); ++i) {
-        const CInstrOpcode& instruction = *description->GetInstructionOpcode(i);
-        out << (i ? " " : "") << instruction.GetInstruction() << '(';
-        for (int k = 0; k < instruction.GetOpcodeCount(); ++k)
-            out << (k ? "," : "") << instruction.GetOpcode(k);
-        out << ')';
-    }
-    return out.str();
+std::string Instructions(const CInstrRegisterDesc* list) {
+    return Join(" ", list ? list->GetInstructionOpcodeCount() : 0, [&](std::ostream& out, int i) {
+        const CInstrOpcode& instruction = *list->GetInstructionOpcode(i);
+        out << instruction.GetInstruction() << '('
+            << Join(",", instruction.GetOpcodeCount(),
+                    [&](std::ostream& o, int k) { o << instruction.GetOpcode(k); })
+            << ')';
+    });
 }
 
-std::string Registers(const CRegisterAccessDesc* description) {
-    std::ostringstream out;
-    for (int i = 0; description && i < description->GetRegisterCount(); ++i) {
-        const CRegister& data_register = *description->GetRegister(i);
-        out << (i ? " " : "") << data_register.GetRegisterName() << '(';
-        for (int k = 0; k < data_register.GetRegisterAssociationCount(); ++k)
-            out << (k ? "," : "") << data_register.GetRegisterAssocName(k);
-        out << ')';
-    }
-    return out.str();
+std::string Registers(const CRegisterAccessDesc* list) {
+    return Join(" ", list ? list->GetRegisterCount() : 0, [&](std::ostream& out, int i) {
+        const CRegister& item = *list->GetRegister(i);
+        out << item.GetRegisterName() << '('
+            << Join(",", item.GetRegisterAssociationCount(),
+                    [&](std::ostream& o, int k) { o << item.GetRegisterAssocName(k); })
+            << ')';
+    });
 }
 
 std::string DumpModel(BScanParser& parser) {
@@ -213,52 +197,39 @@ std::string DumpModel(BScanParser& parser) {
         for (int k = 0; k < package.GetNumberOfPins(); ++k) out << ' ' << package.GetPin(k);
         out << '\n';
     }
-    if (const CInstrRegisterDesc* instructions = parser.GetInstructionRegisterDescription())
+    if (const CInstrRegisterDesc* instructions = parser.GetInstructionRegisterDescription()) {
         out << "instructions " << instructions->GetInstructionLength() << ' '
             << instructions->GetInstructionCapture() << ' ' << Instructions(instructions) << '\n';
+    }
     out << "registers " << Registers(parser.GetRegisterAccessDescription()) << '\n'
         << "pairs " << Pairs(parser) << '\n';
-    BScanPinMap* map = parser.GetPinMap();
+    BScanPinMap* const map = parser.GetPinMap();
     if (!map) return out.str();
     for (int i = 0; i < map->GetIOTypeCount(); ++i) out << "io " << map->GetIOName(i) << '\n';
     for (int i = 0; i < map->GetNumberOfPins(); ++i) {
-        const LPinNode& node = *NodeAt(map, i);
+        const LPinNode& node = *NodeAt(*map, i);
         out << "port " << OrNull(PortName(node)) << ':' << kModes[node.GetPortType()] << ':'
             << node.GetVectorIndex() << " pin " << OrNull(PinName(node)) << '/'
             << node.GetPinNumber() << (node.IsPositive() ? " +" : "")
             << (node.IsNegative() ? " -" : "") << " cells " << CellsOf(&node) << '\n';
     }
-    for (int n = 0; n < map->GetBScanLength(); ++n)
+    const int length = map->GetBScanLength();
+    for (int n = 0; n < length; ++n) {
         out << "cell " << n << ": " << Describe(map->GetBScanCellTable()[n]) << '\n';
-    out << "bits ";
-    for (int n = 0; n < map->GetBScanLength(); ++n) out << (BitIsSet(*map, n) ? '1' : '0');
-    out << '\n';
+    }
+    out << "bits " << Join("", length, [&](std::ostream& o, int n) { o << BitAt(*map, n); })
+        << '\n';
     return out.str();
-}
-
-std::string FindFault(BScanParser& parser) {
-    BScanPinMap* map = parser.GetPinMap();
-    if (!map) return {};
-    if (map->GetBScanLength() > 0 && (!map->GetBScanCellTable() || !map->GetBScanBitArray()))
-        return "a register without cells or bits";
-    std::vector<const LPinNode*> nodes;
-    for (int i = 0; i < map->GetNumberOfPins(); ++i) nodes.push_back(NodeAt(map, i));
-    std::sort(nodes.begin(), nodes.end());
-    std::string fault = FindCellFault(*map, nodes);
-    for (int i = 0; fault.empty() && i < map->GetNumberOfPins(); ++i)
-        fault = FindBitFault(*map, static_cast<LPinNode*>(map->GetPinListArray()->GetAt(i)));
-    return fault;
 }
 
 std::filesystem::path SourceDir() { return BSCAN_SOURCE_DIR; }
 
-std::filesystem::path ManufacturersDevices() { return BSCAN_DEVICES_DIR; }
-
 std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder) {
     std::vector<std::filesystem::path> files;
     std::error_code absent;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, absent))
+    for (const auto& entry : std::filesystem::directory_iterator(folder, absent)) {
         if (entry.is_regular_file()) files.push_back(entry.path());
+    }
     std::sort(files.begin(), files.end());
     return files;
 }

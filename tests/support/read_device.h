@@ -1,9 +1,10 @@
 /// @file
-/// Gives tests a model for a text, and texts for a model.
+/// Gives tests and fuzz targets a model for a text, and texts for a model.
 #pragma once
 
 #include <bscan/bscan.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -28,15 +29,19 @@ private:
     std::filesystem::path path_;
 };
 
-/// A text where an operation wants a writable one.
+/// A text where an operation wants a writable one, with the room that the reading operations are
+/// promised; null for null.
 class Text {
 public:
-    Text(std::string_view text) : text_(text) {}
-    operator char*() { return text_.data(); }
-    const std::string& str() const { return text_; }
+    Text(const char* text) : Text(std::string_view(text ? text : "")) { null_ = !text; }
+    Text(std::string_view text) : bytes_(std::max<std::size_t>(text.size() + 1, 1024)) {
+        text.copy(bytes_.data(), text.size());
+    }
+    operator char*() { return null_ ? nullptr : bytes_.data(); }
 
 private:
-    std::string text_;
+    std::vector<char> bytes_;
+    bool null_ = false;
 };
 
 /// A text as an open stream.
@@ -57,14 +62,14 @@ private:
 /// A parser that has read a text as a file, and closed it again.
 class ReadDevice {
 public:
-    explicit ReadDevice(std::string_view text) : ReadDevice(text, {}, nullptr) {}
-    /// Stores a capture first, one byte a cell; the mask, when given, is as long.
-    ReadDevice(std::string_view text, std::vector<unsigned char> capture,
-               const std::vector<unsigned char>* mask = nullptr);
+    /// Stores a capture first, when there is one, one byte a cell; a mask is as long.
+    explicit ReadDevice(std::string_view text, std::vector<unsigned char> capture = {},
+                        std::vector<unsigned char> mask = {});
 
     /// The result of Initialize() when that failed, of Read() otherwise.
     int result() const { return result_; }
     BScanPinMap& map() { return *parser.GetPinMap(); }
+    LPinNode* Port(const char* name) { return map().GetPortwName(Text(name)); }
 
     BScanParser parser;
 
@@ -72,19 +77,27 @@ private:
     int result_;
 };
 
+/// A device that uses every kind of statement, in few bytes.
+extern const std::string_view kSmallDevice;
 /// Wraps statements into an entity with a generic clause for the package "PKG".
 std::string Entity(std::string_view statements);
+
+LPinNode* NodeAt(const BScanPinMap& map, int index);
+/// Whether a cell's bit of the scan vector is set.
+bool BitAt(BScanPinMap& map, int cell);
 
 /// The ports of a device in order, each as name:mode:vector index.
 std::string Ports(const BScanPinMap* map);
 /// The ports in order, each as name=pin name/pin number.
 std::string Pins(const BScanPinMap* map);
+/// The ports in order, '+' for a positive leg, '-' for a negative one, '.' for others.
+std::string Legs(const BScanPinMap* map);
 /// The positions of the cells that a port element lists.
 std::string CellsOf(const LPinNode* node);
 /// One cell in a line: type, function, port, names, values and control link.
 std::string Describe(const LBScanCell& cell);
 /// The differential pairs, each as positive/negative@position,position.
-std::string Pairs(const BScanParser& parser);
+std::string Pairs(BScanParser& parser);
 /// The instructions or registers of a description, each as name(item,item).
 std::string Instructions(const CInstrRegisterDesc* description);
 std::string Registers(const CRegisterAccessDesc* description);
@@ -93,14 +106,7 @@ std::string Registers(const CRegisterAccessDesc* description);
 /// names and lookups as they are.
 std::string DumpModel(BScanParser& parser);
 
-/// Says what in a model contradicts itself; empty for a sound one, which is left with every port's
-/// bits brought up to date.
-std::string FindFault(BScanParser& parser);
-
-/// The repository's folder, from the build.
 std::filesystem::path SourceDir();
-/// Where device files of manufacturers lie on machines that have some.
-std::filesystem::path ManufacturersDevices();
 std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder);
 std::string Contents(const std::filesystem::path& file);
 
