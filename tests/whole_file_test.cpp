@@ -72,9 +72,9 @@ TEST(SmallDevice, CutAnywhereKeepsWhatWasRead) {
 TEST(SmallDevice, ChangedInAnyByteIsReadSafely) {
     std::string text(kSmallDevice);
     for (std::size_t at = 0; at < text.size(); ++at) {
-        for (const char byte : std::string_view("\0\t\n\r \"&()*,-:;.05AXaz\x7F\xFF", 24)) {
-            SCOPED_TRACE(testing::Message() << at << " becomes " << int{byte});
-            text[at] = byte;
+        for (int byte = 0; byte < 256; ++byte) {
+            SCOPED_TRACE(testing::Message() << at << " becomes " << byte);
+            text[at] = static_cast<char>(byte);
             ReadDevice device(text);
             ExpectSound(device.parser, device.result());
             if (HasFailure()) return;
