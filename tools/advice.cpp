@@ -58,10 +58,12 @@ constexpr Row kRows[] = {
 };
 
 std::string FromTable(const Failure& failure) {
-    for (const Row& row : kRows)
+    for (const Row& row : kRows) {
         if (row.code == failure.code &&
-            (row.statement.empty() || row.statement == failure.statement))
+            (row.statement.empty() || row.statement == failure.statement)) {
             return std::string(row.advice);
+        }
+    }
     return {};
 }
 
@@ -78,21 +80,25 @@ std::string KeywordInCapitals(const std::string& line) {
     std::transform(lower.begin(), lower.end(), lower.begin(), Lower);
     const std::size_t start = line.find_first_not_of(" \t");
     if (start == std::string::npos) return {};
-    for (const std::string_view keyword : kKeywords)
+    for (const std::string_view keyword : kKeywords) {
         if (lower.compare(start, keyword.size(), keyword) == 0 &&
-            line.compare(start, keyword.size(), keyword) != 0)
+            line.compare(start, keyword.size(), keyword) != 0) {
             return fmt::format("Write the keyword in lower case: {}.", keyword);
+        }
+    }
     return {};
 }
 
 std::string ForUnexpectedLine(const SourceFile& source, const Failure& failure) {
-    const std::string capitals = KeywordInCapitals(source.Line(failure.line));
+    std::string capitals = KeywordInCapitals(source.Line(failure.line));
     if (!capitals.empty()) return capitals;
-    if (failure.statement_line == 0)
+    if (failure.statement_line == 0) {
         return "A BSDL file begins with 'entity NAME is', in lower case and on one line.";
-    if (failure.statement == "entity")
+    }
+    if (failure.statement == "entity") {
         return "Put a generic clause, closed with ');', between the entity line and the port "
                "clause.";
+    }
     return "A statement begins with port, use, attribute, constant or end; see whether the "
            "statement before this line is closed where it should be.";
 }
@@ -108,18 +114,21 @@ int AttributeWithoutIs(const SourceFile& source, int last) {
     for (int number = 1; number <= last; ++number) {
         const std::vector<std::string> words = Words(source.Line(number), 1000);
         if (!words.empty() && words[0] == "attribute" &&
-            std::find(words.begin(), words.end(), "is") == words.end())
+            std::find(words.begin(), words.end(), "is") == words.end()) {
             return number;
+        }
     }
     return 0;
 }
 
 std::string ForMissingEnd(const SourceFile& source, const Failure& failure) {
-    if (const int number = AttributeWithoutIs(source, failure.line); number > 0)
+    if (const int number = AttributeWithoutIs(source, failure.line); number > 0) {
         return fmt::format("Line {}: an attribute needs its 'is' on this line.", number);
+    }
     if (failure.statement == "BOUNDARY_REGISTER" &&
-        IsOneLineValue(source.Line(failure.statement_line)))
+        IsOneLineValue(source.Line(failure.statement_line))) {
         return "Begin the quoted value on the line behind 'is'.";
+    }
     return {};
 }
 
@@ -140,15 +149,16 @@ std::string RefusedCell(const Device& device) {
 }  // namespace
 
 std::string Advice(const Device& device, const SourceFile& source, const Failure& failure) {
-    if (std::error_code ignored; std::filesystem::is_directory(failure.path, ignored))
+    if (std::error_code ignored; std::filesystem::is_directory(failure.path, ignored)) {
         return "This is a folder; 'bscan check' reads the files in it.";
+    }
     if (failure.code == bscan::kUnexpectedLine) return ForUnexpectedLine(source, failure);
     if (failure.code == bscan::kFailed && failure.statement == "BOUNDARY_REGISTER") {
-        const std::string refused = RefusedCell(device);
+        std::string refused = RefusedCell(device);
         if (!refused.empty()) return refused;
     }
     if (failure.code == bscan::kReadFailed || failure.code == bscan::kEndOfFile) {
-        const std::string unended = ForMissingEnd(source, failure);
+        std::string unended = ForMissingEnd(source, failure);
         if (!unended.empty()) return unended;
     }
     return FromTable(failure);

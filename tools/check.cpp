@@ -45,8 +45,9 @@ Json CheckFile(const std::string& file) {
 std::string Headline(const Json& record, const Style& style) {
     const std::string file = Printable(record["file"].get<std::string>());
     const std::string reason = record["reason"].get<std::string>();
-    if (record["code"] == bscan::kOk)
+    if (record["code"] == bscan::kOk) {
         return fmt::format("{}: {}", file, style(Emphasis::kGood, "ok"));
+    }
     const std::string line = record["line"].is_null() ? "" : ":" + record["line"].dump();
     const std::string code = record["code"].is_null() ? "no code" : record["code"].dump();
     return fmt::format("{}{}: {}", file, line,
@@ -99,9 +100,11 @@ private:
     std::string Summary() const {
         const std::size_t sound = counts_.count("0") == 0 ? 0 : counts_.at("0");
         std::string failing;
-        for (const auto& [code, count] : counts_)
-            if (code != "0")
+        for (const auto& [code, count] : counts_) {
+            if (code != "0") {
                 failing += fmt::format("{}{} with {}", failing.empty() ? "" : ", ", count, code);
+            }
+        }
         return fmt::format("{} files: {} sound, {} failing{}\n", printed_, sound, printed_ - sound,
                            failing.empty() ? "" : " (" + failing + ")");
     }

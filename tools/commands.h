@@ -1,7 +1,7 @@
 // The commands of the program, each with its options. Each returns the exit status.
 #pragma once
 
-#include "table.h"
+#include "output.h"
 
 #include <string>
 #include <vector>

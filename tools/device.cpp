@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <numeric>
 #include <utility>
 
 namespace tool {
@@ -12,8 +13,9 @@ std::string Text(const char* text) { return text == nullptr ? std::string() : st
 std::vector<LPinNode*> Nodes(const BScanPinMap& map) {
     std::vector<LPinNode*> nodes;
     const LObjList* list = map.GetPinListArray();
-    for (int i = 0; list != nullptr && i < list->GetCount(); ++i)
+    for (int i = 0; list != nullptr && i < list->GetCount(); ++i) {
         if (auto* node = static_cast<LPinNode*>(list->GetAt(i))) nodes.push_back(node);
+    }
     return nodes;
 }
 
@@ -78,15 +80,15 @@ const Element* Device::Find(const LPinNode* node) const {
 std::vector<LBScanCell*> CellsOf(const LPinNode& node) {
     std::vector<LBScanCell*> cells;
     const LObjList* list = node.GetBScanCells();
-    for (int i = 0; list != nullptr && i < list->GetCount(); ++i)
+    for (int i = 0; list != nullptr && i < list->GetCount(); ++i) {
         cells.push_back(static_cast<LBScanCell*>(list->GetAt(i)));
+    }
     return cells;
 }
 
 std::vector<LBScanCell*> CellsOf(const BScanPinMap& map) {
-    std::vector<LBScanCell*> cells;
-    LBScanCell* table = map.GetBScanCellTable();
-    for (int i = 0; i < map.GetBScanLength(); ++i) cells.push_back(table + i);
+    std::vector<LBScanCell*> cells(static_cast<std::size_t>(map.GetBScanLength()));
+    std::iota(cells.begin(), cells.end(), map.GetBScanCellTable());
     return cells;
 }
 

@@ -13,8 +13,9 @@ Json NumberOrNull(int number, int lowest) { return number < lowest ? Json() : Js
 
 Json Positions(const LPinNode& node) {
     Json positions = Json::array();
-    for (const LBScanCell* cell : CellsOf(node))
+    for (const LBScanCell* cell : CellsOf(node)) {
         positions.push_back(cell->GetBoundaryCellPosition());
+    }
     return positions;
 }
 
@@ -85,8 +86,9 @@ Table InstructionTable(const Device& device) {
     for (int i = 0; instructions != nullptr && i < instructions->GetInstructionOpcodeCount(); ++i) {
         const CInstrOpcode& instruction = *instructions->GetInstructionOpcode(i);
         Json opcodes = Json::array();
-        for (int k = 0; k < instruction.GetOpcodeCount(); ++k)
+        for (int k = 0; k < instruction.GetOpcodeCount(); ++k) {
             opcodes.push_back(instruction.GetOpcode(k));
+        }
         table.rows.push_back({instruction.GetInstruction(), opcodes});
     }
     return table;
@@ -98,8 +100,9 @@ Table RegisterTable(const Device& device) {
     for (int i = 0; access != nullptr && i < access->GetRegisterCount(); ++i) {
         const CRegister& data_register = *access->GetRegister(i);
         Json instructions = Json::array();
-        for (int k = 0; k < data_register.GetRegisterAssociationCount(); ++k)
+        for (int k = 0; k < data_register.GetRegisterAssociationCount(); ++k) {
             instructions.push_back(data_register.GetRegisterAssocName(k));
+        }
         table.rows.push_back({data_register.GetRegisterName(), instructions});
     }
     return table;
@@ -111,10 +114,11 @@ Table PairTable(const Device& device) {
                  {"positive_cell", "Cell of positive"},
                  {"negative_cell", "Cell of negative"}},
                 {}};
-    for (const CDifferentialPair& pair : device.Pairs())
+    for (const CDifferentialPair& pair : device.Pairs()) {
         table.rows.push_back({pair.GetPositiveElement(), pair.GetNegativeElement(),
                               NumberOrNull(pair.GetPositiveBScanPosition(), 0),
                               NumberOrNull(pair.GetNegativeBScanPosition(), 0)});
+    }
     return table;
 }
 

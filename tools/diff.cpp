@@ -20,10 +20,11 @@ public:
     // A name that comes again, as an instruction may, adds to what it had.
     void Add(const std::string& name, const std::string& text) {
         const auto [place, is_new] = places_.try_emplace(name, list_.size());
-        if (is_new)
+        if (is_new) {
             list_.emplace_back(name, text);
-        else
+        } else {
             list_[place->second].second += "; " + text;
+        }
     }
 
     const std::string* Find(const std::string& name) const {
@@ -45,8 +46,9 @@ struct Kind {
 
 // Letter case has no meaning in BSDL, and a lookup may have changed that of a port's name.
 std::string Upper(std::string text) {
-    for (char& character : text)
+    for (char& character : text) {
         if (character >= 'a' && character <= 'z') character = static_cast<char>(character - 32);
+    }
     return text;
 }
 
@@ -64,8 +66,9 @@ Items DeviceItems(const Device& device) {
     for (const std::vector<Json>& row : SummaryTable(device).rows) {
         const std::string field = Text(row[0]);
         // The other counts differ only where something below them does.
-        if (field != "ports" && field != "port elements" && field != "pins")
+        if (field != "ports" && field != "port elements" && field != "pins") {
             items.Add(field, Text(row[1]));
+        }
     }
     return items;
 }
@@ -82,9 +85,10 @@ Items PortItems(const Device& device) {
     Items items;
     for (const auto& [name, elements] : ports) {
         std::string text(Word(elements[0]->node->GetPortType()));
-        if (elements[0]->index)
+        if (elements[0]->index) {
             text += fmt::format(", {} to {}", *elements.front()->index,
                                 elements.back()->index.value_or(0));
+        }
         items.Add(name, text);
     }
     return items;
@@ -92,8 +96,9 @@ Items PortItems(const Device& device) {
 
 Items PinItems(const Device& device) {
     Items items;
-    for (const Element& element : device.elements())
+    for (const Element& element : device.elements()) {
         items.Add(Upper(element.Label()), Text(TextOrNull(element.pin)));
+    }
     return items;
 }
 
@@ -101,9 +106,10 @@ std::string CellText(const Device& device, const LBScanCell& cell) {
     std::string text = fmt::format("{}, {}, {}, {}", Word(cell.GetBScanCellType()),
                                    Upper(Text(PortOf(device, cell))), Word(cell.GetFunction()),
                                    Word(cell.safeValue));
-    if (const LBScanCell* control = cell.GetControlCell())
+    if (const LBScanCell* control = cell.GetControlCell()) {
         text += fmt::format(", {}, {}, {}", control->GetBoundaryCellPosition(),
                             Word(cell.disableValue), Word(cell.disableResult));
+    }
     const std::string remark = cell.GetOriginalPinName();
     return remark.empty() ? text : text + " -- " + remark;
 }
@@ -111,8 +117,9 @@ std::string CellText(const Device& device, const LBScanCell& cell) {
 Items CellItems(const Device& device) {
     Items items;
     int position = 0;
-    for (const LBScanCell* cell : CellsOf(device.map()))
+    for (const LBScanCell* cell : CellsOf(device.map())) {
         items.Add(std::to_string(position++), CellText(device, *cell));
+    }
     return items;
 }
 
@@ -139,11 +146,13 @@ constexpr Kind kKinds[] = {{"device", DeviceItems},
 void Compare(const char* kind, const Items& left, const Items& right, Table& table) {
     for (const auto& [name, text] : left.list()) {
         const std::string* other = right.Find(name);
-        if (other == nullptr || *other != text)
+        if (other == nullptr || *other != text) {
             table.rows.push_back({kind, name, text, other == nullptr ? Json() : Json(*other)});
+        }
     }
-    for (const auto& [name, text] : right.list())
+    for (const auto& [name, text] : right.list()) {
         if (left.Find(name) == nullptr) table.rows.push_back({kind, name, Json(), text});
+    }
 }
 
 }  // namespace
@@ -155,15 +164,16 @@ int Diff(const DiffOptions& options) {
     const bool right_read = ReadOrReport(right, nullptr);
     if (!left_read || !right_read) return kUsage;
     Table table{{{"kind", "Kind"}, {"name", "Name"}, {"left", "A"}, {"right", "B"}}, {}};
-    for (const Kind& kind : kKinds)
+    for (const Kind& kind : kKinds) {
         Compare(kind.name, kind.collect(left), kind.collect(right), table);
-    if (options.format == Format::kJson)
-        Print(
-            stdout,
-            Json{{"left", options.left}, {"right", options.right}, {"differences", ToJson(table)}},
-            2);
-    else if (options.format == Format::kCsv || !table.rows.empty())
+    }
+    if (options.format == Format::kJson) {
+        const Json report{
+            {"left", options.left}, {"right", options.right}, {"differences", ToJson(table)}};
+        Print(stdout, report, 2);
+    } else if (options.format == Format::kCsv || !table.rows.empty()) {
         Print(stdout, table, options.format);
+    }
     return table.rows.empty() ? kSuccess : kProblem;
 }
 

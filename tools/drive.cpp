@@ -71,8 +71,9 @@ Json Labels(const std::vector<const Element*>& elements) {
 void PrintNote(const char* note, const std::vector<const Element*>& elements) {
     if (elements.empty()) return;
     std::string names;
-    for (const Element* element : elements)
+    for (const Element* element : elements) {
         names += (names.empty() ? "" : ", ") + Printable(element->Label());
+    }
     Write(stdout, fmt::format("{}: {}\n", note, names));
 }
 
@@ -114,12 +115,13 @@ int Drive(const DriveOptions& options) {
     PortDriver driver(device);
     Outcome outcome;
     for (const Request& request : requests) Serve(device, request, driver, outcome);
-    if (options.format == Format::kJson)
+    if (options.format == Format::kJson) {
         Print(stdout, ToJson(device, driver, outcome), 2);
-    else if (options.format == Format::kCsv)
+    } else if (options.format == Format::kCsv) {
         PrintCsv(device, outcome);
-    else
+    } else {
         PrintForPeople(device, driver, outcome);
+    }
     return outcome.all_done ? kSuccess : kProblem;
 }
 

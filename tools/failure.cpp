@@ -1,9 +1,9 @@
 #include "failure.h"
 
 #include "advice.h"
+#include "output.h"
 #include "printable.h"
 #include "source_file.h"
-#include "table.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
@@ -28,10 +28,12 @@ void FindStatement(const SourceFile& source, Failure& failure) {
 
 // -1 has several meanings, of which the statement leaves one.
 std::string Reason(const Failure& failure) {
-    if (failure.code == bscan::kFailed && failure.statement == "PORT_GROUPING")
+    if (failure.code == bscan::kFailed && failure.statement == "PORT_GROUPING") {
         return "the port grouping is malformed";
-    if (failure.code == bscan::kFailed && failure.statement == "BOUNDARY_REGISTER")
+    }
+    if (failure.code == bscan::kFailed && failure.statement == "BOUNDARY_REGISTER") {
         return "the device refuses a cell of the boundary register";
+    }
     return bscan::Describe(failure.code);
 }
 
@@ -57,9 +59,10 @@ Failure Diagnose(const Device& device, int code) {
 void Report(const Failure& failure) {
     const Style style(stderr);
     std::string text = style(Emphasis::kBad, failure.Headline()) + '\n';
-    if (failure.statement_line > 0)
+    if (failure.statement_line > 0) {
         text += fmt::format("  in the statement that begins at line {}: {}\n",
                             failure.statement_line, Printable(failure.statement));
+    }
     if (!failure.advice.empty()) text += fmt::format("  {}\n", Printable(failure.advice));
     Write(stderr, text);
 }

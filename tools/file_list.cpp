@@ -23,8 +23,9 @@ std::vector<std::string> FilesBelow(const std::string& folder) {
                                           error);
     for (; !error && walk != fs::recursive_directory_iterator(); walk.increment(error)) {
         std::error_code ignored;
-        if (walk->is_regular_file(ignored) && IsBsdlName(walk->path()))
+        if (walk->is_regular_file(ignored) && IsBsdlName(walk->path())) {
             files.push_back(walk->path().string());
+        }
     }
     std::sort(files.begin(), files.end());
     return files;

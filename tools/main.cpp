@@ -40,8 +40,9 @@ Format ParseFormat(const std::string& name) {
     static const std::map<std::string, Format> kNames = {
         {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
     const auto found = kNames.find(name);
-    if (found == kNames.end())
+    if (found == kNames.end()) {
         throw CLI::ValidationError("--format", "is table, csv or json, not " + name);
+    }
     return found->second;
 }
 

@@ -52,27 +52,31 @@ int ObserveCapture(const ObserveOptions& options, const Capture& capture) {
     Device device(options.file);
     if (!ReadOrReport(device, &capture)) return kProblem;
     const int length = device.map().GetBScanLength();
-    if (capture.data.size() != static_cast<std::size_t>(length))
+    if (capture.data.size() != static_cast<std::size_t>(length)) {
         return Complain(fmt::format("the capture has {} bits, the boundary register of {} has {}",
                                     capture.data.size(), Printable(options.file), length),
                         kProblem);
+    }
     const Table table = LevelTable(device);
-    if (options.format == Format::kJson)
+    if (options.format == Format::kJson) {
         Print(stdout, Json{{"file", device.path()}, {"ports", ToJson(table)}}, 2);
-    else
+    } else {
         Print(stdout, table, options.format);
+    }
     return kSuccess;
 }
 
 }  // namespace
 
 int Observe(const ObserveOptions& options) {
-    if (options.capture.empty() && options.capture_file.empty())
+    if (options.capture.empty() && options.capture_file.empty()) {
         return Complain("--capture or --capture-file is required", kUsage);
+    }
     const bool from_file = !options.capture_file.empty();
     const auto text = from_file ? ReadText(options.capture_file) : options.capture;
-    if (!text)
+    if (!text) {
         return Complain(fmt::format("cannot read {}", Printable(options.capture_file)), kProblem);
+    }
     const std::optional<Capture> capture = ParseCapture(*text);
     if (!capture) return Complain("a capture is written with 0, 1 and x, cell 0 first", kUsage);
     return ObserveCapture(options, *capture);

@@ -68,8 +68,9 @@ std::string Label(const Bonds& bonds) {
 std::string CellLine(const LBScanCell& cell) {
     std::string line = fmt::format("cell {}: {} {}", cell.GetBoundaryCellPosition(),
                                    Word(cell.GetBScanCellType()), Word(cell.GetFunction()));
-    if (const LBScanCell* control = cell.GetControlCell())
+    if (const LBScanCell* control = cell.GetControlCell()) {
         line += fmt::format(", control cell {}", control->GetBoundaryCellPosition());
+    }
     return line;
 }
 
@@ -150,12 +151,14 @@ void Drawing::DrawGrid() {
     svg_.Open("body", "");
     svg_.Rectangle({kMargin - 4, kHead + 10}, width + 8, height - 2, 8);
     svg_.Close();
-    for (const AxisLabel& row : layout_.row_labels)
+    for (const AxisLabel& row : layout_.row_labels) {
         svg_.Text({kMargin - 20, kHead + kPitch * (row.position + 1)}, row.text,
                   {13, "middle", 0, 0, true});
-    for (const AxisLabel& column : layout_.column_labels)
+    }
+    for (const AxisLabel& column : layout_.column_labels) {
         svg_.Text({kMargin + kPitch * (column.position + 0.5), kHead}, column.text,
                   {13, "middle", 0, 0, true});
+    }
     for (const PinPlace& place : layout_.places) DrawBall(place);
     width_ = 2 * kMargin + width;
     bottom_ = kHead + 10 + height;
@@ -251,10 +254,11 @@ void Drawing::DrawLegend() {
 }
 
 std::string Drawing::Document() {
-    if (layout_.shape == PackageShape::kGrid)
+    if (layout_.shape == PackageShape::kGrid) {
         DrawGrid();
-    else
+    } else {
         DrawSides();
+    }
     DrawElsewhere();
     DrawLegend();
     svg_.Text({kMargin, 20}, Title(), {16, "start", 0, 0, true});

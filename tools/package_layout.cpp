@@ -26,8 +26,9 @@ std::optional<Designator> Parse(const std::string& pin) {
     std::size_t letters = 0;
     while (letters < pin.size() && IsLetter(pin[letters])) ++letters;
     Designator designator{pin.substr(0, letters), 0};
-    for (char& letter : designator.letters)
+    for (char& letter : designator.letters) {
         if (letter >= 'a') letter = static_cast<char>(letter - 'a' + 'A');
+    }
     const char* end = pin.data() + pin.size();
     const auto [stop, error] = std::from_chars(pin.data() + letters, end, designator.number);
     if (error != std::errc() || stop != end || letters > 2 || designator.number < 0) return {};
@@ -55,6 +56,7 @@ std::vector<AxisLabel> Rows(const std::vector<Designator>& designators) {
     std::set<std::string, bool (*)(const std::string&, const std::string&)> names(ComesBefore);
     for (const Designator& designator : designators) names.insert(designator.letters);
     std::vector<AxisLabel> rows;
+    rows.reserve(names.size());
     for (const std::string& name : names) rows.push_back({name, static_cast<int>(rows.size())});
     if (rows.empty()) return rows;
     const bool usual = std::all_of(rows.begin(), rows.end(), [](const AxisLabel& row) {
@@ -71,11 +73,13 @@ std::vector<AxisLabel> Columns(const std::vector<Designator>& designators) {
     std::set<int> numbers;
     for (const Designator& designator : designators) numbers.insert(designator.number);
     std::vector<AxisLabel> columns;
+    columns.reserve(numbers.size());
     const bool dense = !numbers.empty() && *numbers.rbegin() - *numbers.begin() <
                                                2 * static_cast<int>(numbers.size()) + 4;
-    for (const int number : numbers)
+    for (const int number : numbers) {
         columns.push_back({std::to_string(number),
                            dense ? number - *numbers.begin() : static_cast<int>(columns.size())});
+    }
     return columns;
 }
 

@@ -13,8 +13,9 @@ using Elements = std::vector<const Element*>;
 template <typename Matches>
 Elements Where(const Device& device, Matches matches) {
     Elements found;
-    for (const Element& element : device.elements())
+    for (const Element& element : device.elements()) {
         if (matches(element)) found.push_back(&element);
+    }
     return found;
 }
 
@@ -79,9 +80,11 @@ constexpr std::array<Way, 3> kWays = {{{"pin:", ByPin}, {"port:", ByPort}, {"num
 
 Elements Select(const Device& device, std::string_view text) {
     if (text.empty()) return {};
-    for (const Way& way : kWays)
-        if (text.substr(0, way.prefix.size()) == way.prefix)
+    for (const Way& way : kWays) {
+        if (text.substr(0, way.prefix.size()) == way.prefix) {
             return way.find(device, text.substr(way.prefix.size()));
+        }
+    }
     for (const Way& way : kWays) {
         Elements found = way.find(device, text);
         if (!found.empty()) return found;

@@ -21,8 +21,9 @@ std::string CellText(const LBScanCell* cell) {
 // The cells of the driver, as they are after a request.
 std::string CellTexts(const Driver& driver) {
     if (!driver.Exists()) return "it has no driver";
-    if (driver.control == nullptr || driver.control == driver.output)
+    if (driver.control == nullptr || driver.control == driver.output) {
         return CellText(driver.output);
+    }
     return fmt::format("{}, control {}", CellText(driver.output), CellText(driver.control));
 }
 
@@ -58,16 +59,19 @@ DriveResult PortDriver::Request(const Element& element, eSignal level) {
 
 DriveResult PortDriver::DriveTo(const Element& element, eSignal level) {
     const PortType mode = element.node->GetPortType();
-    if (mode == PORT_IN || mode == PORT_NONE)
+    if (mode == PORT_IN || mode == PORT_NONE) {
         return {false, fmt::format("a port of mode {} cannot be driven", Word(mode))};
+    }
     const Driver driver = DriverOf(element);
     if (!driver.Exists()) return {false, "no cell drives this port"};
-    if (driver.control == nullptr && mode == PORT_INOUT)
+    if (driver.control == nullptr && mode == PORT_INOUT) {
         return {false, "the port has no cell that turns its driver on"};
-    if (driver.control == nullptr)
+    }
+    if (driver.control == nullptr) {
         driver.output->cellValue = level;
-    else  // fails without an input cell, when the driver has its values all the same
+    } else {  // fails without an input cell, when the driver has its values all the same
         device_.map().setPort(device_.Number(element), PORT_OUT, level);
+    }
     device_.map().UpdateBScanBitArray(element.node);
     if (!driver.IsOn()) return {true, "lets go, the pin shows " + WhileOff(driver)};
     return {true, fmt::format("drives {} ({})", Word(level), CellTexts(driver))};

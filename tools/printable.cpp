@@ -49,8 +49,9 @@ bool IsControl(char32_t code) {
 }
 
 void AppendEscaped(std::string& out, std::string_view bytes) {
-    for (const char byte : bytes)
+    for (const char byte : bytes) {
         fmt::format_to(std::back_inserter(out), "\\x{:02X}", static_cast<unsigned char>(byte));
+    }
 }
 
 template <typename MustEscape>
@@ -59,10 +60,11 @@ std::string Escape(std::string_view text, MustEscape must_escape) {
     while (!text.empty()) {
         const Character first = FirstCharacter(text);
         const std::string_view bytes = text.substr(0, first.length == 0 ? 1 : first.length);
-        if (first.length == 0 || must_escape(first.code))
+        if (first.length == 0 || must_escape(first.code)) {
             AppendEscaped(out, bytes);
-        else
+        } else {
             out += bytes;
+        }
         text.remove_prefix(bytes.size());
     }
     return out;

@@ -90,10 +90,11 @@ void RunInProcesses(std::size_t count, int jobs,
         while (next < count && workers.size() < static_cast<std::size_t>(std::max(jobs, 1))) {
             Worker worker = Start(next, work);
             if (worker.pipe < 0 && !workers.empty()) break;  // try again when one has ended
-            if (worker.pipe < 0)
+            if (worker.pipe < 0) {
                 done(next, std::nullopt);
-            else
+            } else {
                 workers.push_back(std::move(worker));
+            }
             ++next;
         }
         AwaitOutput(workers, events);

@@ -1,6 +1,6 @@
 #include "progress.h"
 
-#include "table.h"
+#include "output.h"
 #include "terminal.h"
 
 #include <fmt/format.h>

@@ -28,16 +28,17 @@ std::string ByEights(std::string_view bits) {
 std::string BitText(BScanPinMap& map) {
     const unsigned char* bytes = map.GetBScanBitArray();
     std::string text;
-    for (int cell = 0; cell < map.GetBScanLength(); ++cell)
+    for (int cell = 0; cell < map.GetBScanLength(); ++cell) {
         text += BitIsSet(bytes, cell) ? '1' : '0';
+    }
     return text;
 }
 
 std::vector<std::string> ByteTexts(BScanPinMap& map) {
     const unsigned char* bytes = map.GetBScanBitArray();
-    std::vector<std::string> texts;
-    for (int i = 0; i < (map.GetBScanLength() + 7) / 8; ++i)
-        texts.push_back(fmt::format("{:02x}", bytes[i]));
+    std::vector<std::string> texts((static_cast<std::size_t>(map.GetBScanLength()) + 7) / 8);
+    std::transform(bytes, bytes + texts.size(), texts.begin(),
+                   [](unsigned char byte) { return fmt::format("{:02x}", byte); });
     return texts;
 }
 
@@ -60,8 +61,8 @@ std::optional<Capture> ParseCapture(std::string_view text) {
     for (const char character : text) {
         if (character == '\n') comment = false;
         if (character == '#') comment = true;
-        if (comment || std::string_view(" \t\r\n_").find(character) != std::string_view::npos)
-            continue;
+        const bool space = std::string_view(" \t\r\n_").find(character) != std::string_view::npos;
+        if (comment || space) continue;
         if (std::string_view("01xX").find(character) == std::string_view::npos) return std::nullopt;
         capture.data.push_back(character == '1' ? 1 : 0);
         capture.mask.push_back(character == '0' || character == '1' ? 1 : 0);

@@ -21,8 +21,9 @@ std::vector<Section> ChosenSections(const Device& device, const ShowOptions& opt
     std::vector<Section> sections;
     if (options.pins) sections.push_back({"pins", "Pins", PinTable(device)});
     if (options.cells) sections.push_back({"cells", "Cells", CellTable(device)});
-    if (options.instructions)
+    if (options.instructions) {
         sections.push_back({"instructions", "Instructions", InstructionTable(device)});
+    }
     return sections;
 }
 
@@ -71,8 +72,9 @@ void PrintSections(const std::vector<Section>& sections, Format format) {
     bool first = true;
     for (const Section& section : sections) {
         if (!first) Write(stdout, "\n");
-        if (format == Format::kTable && sections.size() > 1)
+        if (format == Format::kTable && sections.size() > 1) {
             Write(stdout, style(Emphasis::kBold, section.title) + '\n');
+        }
         Print(stdout, section.table, format);
         first = false;
     }
@@ -99,13 +101,13 @@ int Show(const ShowOptions& options) {
     Device device(options.file);
     if (!ReadOrReport(device, nullptr)) return kProblem;
     const std::vector<Section> sections = ChosenSections(device, options);
-    if (options.format == Format::kJson)
+    if (options.format == Format::kJson) {
         Print(stdout, ToJson(device, sections), 2);
-    else if (!sections.empty())
+    } else if (!sections.empty()) {
         PrintSections(sections, options.format);
-    else if (options.format == Format::kCsv)
+    } else if (options.format == Format::kCsv) {
         Print(stdout, SummaryTable(device), options.format);
-    else {
+    } else {
         PrintSummary(device);
         PrintSummarySections(device);
     }

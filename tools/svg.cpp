@@ -65,10 +65,12 @@ void Svg::Text(Point at, std::string_view text, const TextStyle& style) {
     fmt::format_to(out, "<text x=\"{}\" y=\"{:.1f}\" font-size=\"{:.1f}\" text-anchor=\"{}\"", at.x,
                    at.y + size * 0.35, size, style.anchor);
     if (style.bold) body_ += " font-weight=\"bold\"";
-    if (squeezed && length * size > style.room)
+    if (squeezed && length * size > style.room) {
         fmt::format_to(out, " textLength=\"{}\" lengthAdjust=\"spacingAndGlyphs\"", style.room);
-    if (style.turned != 0)
+    }
+    if (style.turned != 0) {
         fmt::format_to(out, " transform=\"rotate({} {} {})\"", style.turned, at.x, at.y);
+    }
     fmt::format_to(out, ">{}</text>\n", XmlText(text));
 }
 

@@ -7,6 +7,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <string_view>
 
 namespace tool {
 namespace {
@@ -29,7 +30,7 @@ std::string ForPeople(const Json& value) {
 }
 
 std::string ForCsv(const Json& value) {
-    const std::string text = value.is_null() ? "" : Printable(PlainText(value, " "));
+    std::string text = value.is_null() ? "" : Printable(PlainText(value, " "));
     if (text.find_first_of(",\"") == std::string::npos) return text;
     std::string quoted = "\"";
     for (const char character : text) quoted.append(character == '"' ? 2 : 1, character);
@@ -66,8 +67,9 @@ void PrintAligned(std::FILE* stream, const Table& table) {
     for (std::size_t c = 0; c < table.columns.size(); ++c) {
         if (table.columns[c].audience == Audience::kPrograms) continue;
         lines[0].push_back(table.columns[c].title);
-        for (std::size_t r = 0; r < table.rows.size(); ++r)
+        for (std::size_t r = 0; r < table.rows.size(); ++r) {
             lines[r + 1].push_back(ForPeople(table.rows[r][c]));
+        }
         layout.right.push_back(IsNumeric(table, c));
         std::size_t width = 0;
         for (const Line& line : lines) width = std::max(width, Width(line.back()));
@@ -91,10 +93,11 @@ Json Cleaned(const Json& value) {
 }  // namespace
 
 void Print(std::FILE* stream, const Table& table, Format format) {
-    if (format == Format::kCsv)
+    if (format == Format::kCsv) {
         PrintCsvRows(stream, table, Headings::kWith);
-    else
+    } else {
         PrintAligned(stream, table);
+    }
 }
 
 void PrintCsvRows(std::FILE* stream, const Table& table, Headings headings) {
@@ -121,10 +124,6 @@ Json ToJson(const Table& table) {
 
 void Print(std::FILE* stream, const Json& value, int indent) {
     Write(stream, Cleaned(value).dump(indent) + '\n');
-}
-
-void Write(std::FILE* stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
 }
 
 }  // namespace tool

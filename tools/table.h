@@ -1,18 +1,17 @@
 // A table that prints aligned for people, and as CSV or JSON for programs.
 #pragma once
 
+#include "output.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace tool {
 
 using Json = nlohmann::ordered_json;
-
-enum class Format { kTable, kCsv, kJson };
 
 enum class Audience { kEveryone, kPrograms };
 
@@ -42,8 +41,5 @@ Json ToJson(const Table& table);
 
 /// Writes one JSON value and a newline; @p indent below 0 writes it on one line.
 void Print(std::FILE* stream, const Json& value, int indent);
-
-/// Writes text as it is.
-void Write(std::FILE* stream, std::string_view text);
 
 }  // namespace tool
