@@ -37,20 +37,24 @@ void CutPinMap(std::string_view text) {
 }
 
 void CutBoundaryRegister(std::string_view text) {
-    RegisterCutter cutter(text);
+    std::vector<RegisterEntry> entries;
+    const bool good = CutRegister(text, entries);
+    Require(!good || !entries.empty(), "a register has an entry");
     const char* behind = text.data();
-    for (RegisterEntry entry; cutter.Next(entry);) {
-        Require(IsWithin(entry.text, text) && entry.text.data() >= behind, "entries are in order");
-        behind = entry.text.data() + entry.text.size();
-        Require(entry.text.back() == ')', "an entry ends with its parenthesis");
-        Require(entry.remark.empty() || entry.remark.data() >= behind, "a remark is behind");
+    for (const RegisterEntry& entry : entries) {
+        Require(IsWithin(entry.number, text) && entry.number.data() >= behind &&
+                    IsWithin(entry.columns, text),
+                "entries are in order");
+        behind = entry.columns.data() + entry.columns.size();
+        Require(*behind == ')', "an entry ends with its parenthesis");
+        Require(entry.remark.empty() || entry.remark.data() > behind, "a remark is behind");
         std::string remark;
         AppendRemark(entry.remark, remark);
         Require(remark.find_first_of("- \t\r\n") == remark.npos, "a remark is one word");
-        RegisterFields fields;
-        if (!CutRegisterEntry(entry.text, fields)) continue;
-        for (const std::string_view field : {fields.type, fields.port, fields.function}) {
-            Require(IsWithin(field, entry.text), "fields are of their entry");
+        CellFields fields;
+        if (!CutRegisterEntry(entry, fields)) continue;
+        for (const std::string_view field : {*fields.type, fields.port, *fields.function}) {
+            Require(IsWithin(field, entry.columns), "fields are of their entry");
         }
         Require(fields.safe == SIG_0 || fields.safe == SIG_1 || fields.safe == SIG_X, "safe value");
         Require(fields.disable_value == SIG_0 || fields.disable_value == SIG_1, "disable value");

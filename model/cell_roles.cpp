@@ -2,6 +2,7 @@
 
 #include <bscan/result.h>
 
+#include "support/keyword.h"
 #include "support/list_access.h"
 #include "support/text_view.h"
 
@@ -18,7 +19,9 @@ constexpr FunctionSet kDrive = Bit(OUTPUT2) | Bit(OUTPUT3) | Bit(BIDIR_OUT) | Bi
 
 // A host may have set a function that is none.
 bool Holds(FunctionSet set, CellFunction function) {
-    return function >= INPUT && function < FUNCTION_NONE && (set >> function & 1U) != 0;
+    static_assert(INPUT == 0);
+    const auto bit = static_cast<unsigned>(function);
+    return bit < FUNCTION_NONE && (set >> bit & 1U) != 0;
 }
 
 // A level as a cell takes it: SIG_1, or SIG_0 for everything else.
@@ -37,12 +40,7 @@ constexpr Mode kModes[] = {
     {"buffer", PORT_BUFFER, Bit(OUTPUT2)},
 };
 
-struct FunctionText {
-    std::string_view text;
-    CellFunction function;
-};
-
-constexpr FunctionText kFunctions[] = {
+constexpr Keyword<CellFunction> kFunctions[] = {
     {"INPUT", INPUT},
     {"CLOCK", CLOCK},
     {"OUTPUT2", OUTPUT2},
@@ -56,6 +54,10 @@ constexpr FunctionText kFunctions[] = {
     {"OBSERVE_ONLY", OBSERVE_ONLY},
 };
 
+constexpr Keyword<CellType> kCellTypes[] = {{"BC_0", BC_0}, {"BC_1", BC_1}, {"BC_2", BC_2},
+                                            {"BC_3", BC_3}, {"BC_4", BC_4}, {"BC_5", BC_5},
+                                            {"BC_6", BC_6}, {"BC_7", BC_7}};
+
 }  // namespace
 
 CellRoles PickRoles(const LObjList* cells) {
@@ -65,12 +67,15 @@ CellRoles PickRoles(const LObjList* cells) {
         auto* const cell = static_cast<LBScanCell*>(object);
         if (cell == nullptr) continue;
         const CellFunction function = cell->GetFunction();
-        if (roles.input == nullptr && CanReceive(function)) roles.input = cell;
-        if (Holds(kDrive, function)) {
-            if (roles.output == nullptr) roles.output = cell;
-            roles.control = cell->GetControlCell();
-        }
-        if (roles.observe == nullptr && function == OBSERVE_ONLY) roles.observe = cell;
+        // Without branches, which the mix of ports makes hard to predict.
+        const bool drives = Holds(kDrive, function);
+        LBScanCell* const input = CanReceive(function) ? cell : nullptr;
+        LBScanCell* const output = drives ? cell : nullptr;
+        LBScanCell* const observe = function == OBSERVE_ONLY ? cell : nullptr;
+        roles.input = roles.input == nullptr ? input : roles.input;
+        roles.output = roles.output == nullptr ? output : roles.output;
+        roles.observe = roles.observe == nullptr ? observe : roles.observe;
+        roles.control = drives ? cell->GetControlCell() : roles.control;
     }
     return roles;
 }
@@ -122,17 +127,15 @@ PortType ModeFromText(std::string_view text, PortType otherwise) {
 }
 
 CellFunction FunctionFromText(std::string_view text, CellFunction otherwise) {
-    if (text.empty()) return otherwise;
-    const char first = ToUpper(text.front());
-    for (const FunctionText& row : kFunctions) {
-        if (row.text.front() == first && EqualIgnoringCase(text, row.text)) return row.function;
-    }
-    return otherwise;
+    CellFunction function = otherwise;
+    Keyword<CellFunction>::Find(kFunctions, text, function);
+    return function;
 }
 
 CellType CellTypeFromText(std::string_view text) {
-    if (text.size() != 4 || !EqualIgnoringCase(text.substr(0, 3), "BC_")) return BC_UNKNOWN;
-    return text[3] >= '0' && text[3] <= '7' ? static_cast<CellType>(text[3] - '0') : BC_UNKNOWN;
+    CellType type = BC_UNKNOWN;
+    Keyword<CellType>::Find(kCellTypes, text, type);
+    return type;
 }
 
 }  // namespace bscan::detail

@@ -7,6 +7,9 @@
 #include "parser/register_text.h"
 #include "support/text_view.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace bscan::detail {
 
 int MainPass::ReadBoundaryRegister(std::string& statement) {
@@ -16,32 +19,39 @@ int MainPass::ReadBoundaryRegister(std::string& statement) {
 }
 
 int MainPass::RegisterCells(std::string_view value) {
-    if (!IsRegister(value)) return kBadValue;
+    std::vector<RegisterEntry> entries;
+    if (const BScanPinMap* const device = parser_.pin_map_.get(); device != nullptr) {
+        // Mostly there is one for each cell; none is shorter than "()".
+        const auto cells = static_cast<std::size_t>(device->GetBScanLength());
+        entries.reserve(std::min(cells, value.size() / 2));
+    }
+    if (!CutRegister(value, entries)) return kBadValue;
     if (parser_.pin_map_ == nullptr) return kFailed;
     int result = kOk;
-    RegisterCutter cutter(value);
-    for (RegisterEntry entry; result == kOk && cutter.Next(entry);) {
-        RegisterFields fields;
-        result = CutRegisterEntry(entry.text, fields) ? RegisterCell(fields, entry.remark)
-                                                      : static_cast<int>(kBadValue);
+    for (auto entry = entries.begin(); result == kOk && entry != entries.end(); ++entry) {
+        CellFields fields;
+        result = CutRegisterEntry(*entry, fields) ? RegisterCell(fields, entry->remark)
+                                                  : static_cast<int>(kBadValue);
     }
     // The pairs are completed from the cells that there are, even after a failure.
     CompletePairs();
     return result;
 }
 
-int MainPass::RegisterCell(const RegisterFields& fields, std::string_view remark) {
-    port_.assign(fields.port);
-    UpperCase(port_);
+int MainPass::RegisterCell(CellFields& fields, std::string_view remark) {
+    if (!IsUpperCase(fields.port)) {
+        port_.assign(fields.port);
+        UpperCase(port_);
+        fields.port = port_;
+    }
     remark_.clear();
     AppendRemark(remark, remark_);
-    return DeviceBuilder(*parser_.pin_map_)
-        .AddCell({fields.number, fields.type, port_, fields.port_index, fields.function,
-                  fields.safe, fields.control, fields.disable_value, fields.disable_result,
-                  FirstValue(fields), remark_});
+    fields.original_name = remark_;
+    fields.value = FirstValue(fields);
+    return DeviceBuilder(*parser_.pin_map_).AddCell(fields);
 }
 
-eSignal MainPass::FirstValue(const RegisterFields& fields) const {
+eSignal MainPass::FirstValue(const CellFields& fields) const {
     if (!parser_.capture_) return fields.safe;
     const auto& [data, mask] = *parser_.capture_;
     const auto cell = static_cast<std::size_t>(fields.number);

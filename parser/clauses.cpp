@@ -47,14 +47,11 @@ int MainPass::ReadPort(std::string& statement) {
     }
     end.BeginWith(first);
     while (result == kOk && !end.IsReached()) {
-        std::string_view line;
-        result = reader_.NextLine(line);
-        if (result != kOk) return result;
-        statement.assign(line);
-        result = reader_.Complete(statement, Terminator::Text(";"));
-        if (result != kOk || PortClauseEnd::IsEndLine(statement)) return result;
-        end.GoOnWith(statement);
-        result = CreatePort(statement);
+        std::string_view declaration;
+        result = reader_.NextStatement(Terminator::AnyOf(";"), statement, declaration);
+        if (result != kOk || PortClauseEnd::IsEndLine(declaration)) return result;
+        end.GoOnWith(declaration);
+        result = CreatePort(declaration);
     }
     return result;
 }

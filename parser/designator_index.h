@@ -20,7 +20,7 @@ public:
 
 private:
     NameTable names_;
-    std::vector<int> numbers_;
+    std::vector<int> numbers_;  // of the names; empty as long as none came twice
 };
 
 }  // namespace bscan::detail

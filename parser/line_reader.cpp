@@ -2,19 +2,33 @@
 
 #include <bscan/result.h>
 
+#include "support/search.h"
 #include "support/text_view.h"
+
+#include <algorithm>
+#include <bit>
 
 namespace bscan::detail {
 
 namespace {
 
-// Where the comment of a line begins.
-std::size_t FindDashes(std::string_view text) {
-    for (std::size_t from = 0;;) {
-        const std::size_t dash = Find(text.substr(from), '-');
-        if (dash == std::string_view::npos) return dash;
-        from += dash + 1;
-        if (from < text.size() && text[from] == '-') return from - 1;
+// How many blanks a line begins with.
+std::size_t Indentation(const char* line) {
+    for (std::size_t at = 0;; at += Block::kSize) {
+        const std::uint32_t blanks = Block(line + at).Places(' ', '\t', '\r', '\n');
+        const auto count = static_cast<std::size_t>(std::countr_one(blanks));
+        if (count < Block::kSize) return at + count;
+    }
+}
+
+// Where the text of a line ends: at its zero byte, or at the dashes that begin a comment.
+std::size_t TextLength(const char* line) {
+    for (std::size_t at = 0;; at += Block::kSize) {
+        const Block block(line + at);
+        // A dash may be followed by the first character of the next block.
+        const std::uint32_t dashes = block.Places('-') & Block(line + at + 1).Places('-');
+        const std::uint32_t ends = dashes | block.Places('\0');
+        if (ends != 0) return at + static_cast<std::size_t>(std::countr_zero(ends));
     }
 }
 
@@ -24,18 +38,19 @@ std::size_t FindDashes(std::string_view text) {
 int LineReader::ReadPhysical() {
     if (file_ == nullptr) return kReadFailed;
     if (feof_unlocked(file_) != 0) return kEndOfFile;
-    if (fgets_unlocked(buffer_, sizeof buffer_, file_) == nullptr) return kReadFailed;
+    if (fgets_unlocked(buffer_, kPhysicalRead + 1, file_) == nullptr) return kReadFailed;
     ++lines_;
     return kOk;
 }
 
 std::string_view LineReader::Clean(std::string* comment) const {
-    const std::string_view text(buffer_);
-    const std::size_t dashes = FindDashes(text);
-    if (comment != nullptr) comment->clear();
-    if (dashes == std::string_view::npos) return Trim(text);
-    if (comment != nullptr) comment->append(Trim(text.substr(dashes))).push_back('*');
-    return Trim(text.substr(0, dashes));
+    const std::size_t length = TextLength(buffer_);
+    if (comment != nullptr) {
+        comment->clear();
+        if (buffer_[length] != '\0') comment->append(Trim(buffer_ + length)).push_back('*');
+    }
+    const std::size_t begin = std::min(Indentation(buffer_), length);
+    return TrimRight({buffer_ + begin, length - begin});
 }
 
 int LineReader::Next(std::string_view& line, std::string* comment) {
@@ -52,9 +67,7 @@ int LineReader::NextWith(std::string_view keyword, std::string_view& line) {
         const int result = ReadPhysical();
         if (result != kOk) return result;
         // Most lines differ in their first character, and need not be cleaned to tell.
-        const char* begin = buffer_;
-        while (IsBlank(*begin)) ++begin;
-        if (*begin != keyword.front()) continue;
+        if (buffer_[Indentation(buffer_)] != keyword.front()) continue;
         line = Clean(nullptr);
         if (line.starts_with(keyword)) return kOk;
     }

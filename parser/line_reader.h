@@ -1,6 +1,8 @@
 // The lines of a BSDL file: without comments, trimmed, and never empty.
 #pragma once
 
+#include "support/search.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -33,7 +35,8 @@ private:
 
     FILE* file_;
     std::int64_t& lines_;
-    char buffer_[kPhysicalRead + 1];
+    // Whole blocks are looked at, which may reach behind the longest line.
+    char buffer_[kPhysicalRead + 1 + Block::kSize + 1] = {};
 };
 
 }  // namespace bscan::detail

@@ -12,8 +12,8 @@
 
 namespace bscan::detail {
 
+struct CellFields;
 struct NameListEntry;
-struct RegisterFields;
 
 // Reads statements from a stream into a parser's model. Each reader takes the statement as far as
 // it has been read, may extend it, and returns 0 or a negative code. It throws when memory is
@@ -61,8 +61,8 @@ private:
     int AddPairs(std::string_view group);
     void AddPair(std::string_view positive, std::string_view negative);
     int RegisterCells(std::string_view value);
-    int RegisterCell(const RegisterFields& fields, std::string_view remark);
-    eSignal FirstValue(const RegisterFields& fields) const;
+    int RegisterCell(CellFields& fields, std::string_view remark);
+    eSignal FirstValue(const CellFields& fields) const;
     void CompletePairs();
     bool CompletePair(CDifferentialPair& pair);
     void DropPairs();

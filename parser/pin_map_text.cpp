@@ -7,7 +7,10 @@
 namespace bscan::detail {
 
 std::size_t PinMapCutter::Ahead::From(std::string_view text, std::size_t from) {
-    if (!searched_ || position_ < from) position_ = text.find(character_, from);
+    if (!searched_ || position_ < from) {
+        position_ = Find({text.data() + from, text.size() - from}, character_);
+        if (position_ != std::string_view::npos) position_ += from;
+    }
     searched_ = true;
     return position_;
 }
@@ -49,7 +52,7 @@ bool PinMapCutter::Next(PinMapEntry& entry) {
 
 bool TakePin(std::string_view& pins, std::string_view& pin) {
     if (pins.empty()) return false;
-    const std::size_t comma = pins.find(',');
+    const std::size_t comma = Find(pins, ',');
     if (comma == std::string_view::npos || comma == 0) {
         pin = pins;
         pins = {};

@@ -1,127 +1,141 @@
 #include "parser/register_text.h"
 
-#include <bscan/result.h>
-
+#include "support/keyword.h"
 #include "support/text_view.h"
+
+#include <algorithm>
 
 namespace bscan::detail {
 namespace {
 
-enum class Letters { kEither, kExact };
+using SignalText = Keyword<eSignal>;
 
-struct SignalText {
-    std::string_view text;
-    eSignal value;
-    Letters letters;
+constexpr SignalText kSafeValues[] = {{"X", SIG_X}, {"1", SIG_1}, {"0", SIG_0}};
+constexpr SignalText kDisableValues[] = {{"1", SIG_1}, {"0", SIG_0}};
+constexpr SignalText kDisableResults[] = {{"Z", SIG_Z},
+                                          {"PULL0", SIG_PULL0},
+                                          {"PULL1", SIG_PULL1},
+                                          {"WEAK0", SIG_WEAK0},
+                                          {"WEAK1", SIG_WEAK1}};
+
+// The texts between the commas of an entry.
+class Columns {
+public:
+    // All that an entry may have; what stands behind that many commas is one text.
+    static constexpr std::size_t kMost = 7;
+
+    explicit Columns(std::string_view text) {
+        Marks<','> commas(text);
+        std::size_t begin = 0;
+        for (; last_ < kMost - 1; ++last_) {
+            const std::size_t comma = commas.Next();
+            if (comma == commas.kNone) break;
+            texts_[last_] = Trim({text.data() + begin, comma - begin});
+            begin = comma + 1;
+        }
+        texts_[last_] = Trim({text.data() + begin, text.size() - begin});
+    }
+
+    std::size_t Last() const { return last_; }
+    std::string_view operator[](std::size_t column) const { return texts_[column]; }
+
+private:
+    std::string_view texts_[kMost];
+    std::size_t last_ = 0;
 };
 
-constexpr SignalText kSafeValues[] = {
-    {"X", SIG_X, Letters::kEither}, {"1", SIG_1, Letters::kExact}, {"0", SIG_0, Letters::kExact}};
+void CutPort(std::string_view column, CellFields& fields) {
+    std::size_t opening = column.size();
+    // Names are shorter than what Find is made for.
+    for (std::size_t at = column.size(); at > 0; --at) {
+        if (column[at - 1] == '*') return;
+        if (column[at - 1] == '(') opening = at - 1;
+    }
+    fields.port = TrimRight({column.data(), opening});
+    if (opening == column.size()) return;
+    fields.port_index = DecimalValue(CutAt(column.substr(opening + 1), ')').before);
+}
 
-constexpr SignalText kDisableValues[] = {{"1", SIG_1, Letters::kExact},
-                                         {"0", SIG_0, Letters::kExact}};
+// Takes a value apart, entry by entry.
+class RegisterCutter {
+public:
+    explicit RegisterCutter(std::string_view value) : value_(value), parentheses_(value) {}
 
-constexpr SignalText kDisableResults[] = {{"Z", SIG_Z, Letters::kEither},
-                                          {"PULL0", SIG_PULL0, Letters::kEither},
-                                          {"PULL1", SIG_PULL1, Letters::kEither},
-                                          {"WEAK0", SIG_WEAK0, Letters::kEither},
-                                          {"WEAK1", SIG_WEAK1, Letters::kEither}};
-
-template <std::size_t kRows>
-bool ToSignal(std::string_view text, const SignalText (&rows)[kRows], eSignal& value) {
-    for (const SignalText& row : rows) {
-        const bool equal =
-            row.letters == Letters::kExact ? text == row.text : EqualIgnoringCase(text, row.text);
-        if (!equal) continue;
-        value = row.value;
+    // False when something is no entry.
+    bool CutAll(std::vector<RegisterEntry>& entries) {
+        // A remark in front of the first entry belongs to none.
+        std::string_view no_remark;
+        CutRemarks(no_remark);
+        while (at_ < value_.size()) {
+            RegisterEntry entry;
+            switch (CutEntry(entry)) {
+                case Cut::kEntry:
+                    CutRemarks(entry.remark);
+                    entries.push_back(entry);
+                    break;
+                case Cut::kEnd:
+                    return true;
+                case Cut::kError:
+                    return false;
+            }
+        }
         return true;
     }
-    return false;
-}
 
-// Takes the next field off the body of an entry; a body without comma stays, and gives nothing.
-std::string_view TakeField(std::string_view& body) {
-    // Fields are shorter than what Find is made for.
-    std::size_t comma = 0;
-    while (comma < body.size() && body[comma] != ',') ++comma;
-    if (comma == body.size()) return {};
-    const std::string_view field = TrimRight({body.data(), comma});
-    body = TrimLeft({body.data() + comma + 1, body.size() - comma - 1});
-    return field;
-}
+private:
+    enum class Cut { kEntry, kEnd, kError };
 
-void CutPort(std::string_view field, RegisterFields& fields) {
-    if (Contains(field, '*')) return;
-    const std::size_t opening = Find(field, '(');
-    fields.port = TrimRight(field.substr(0, opening));
-    if (opening == std::string_view::npos) return;
-    fields.port_index = DecimalValue(CutAt(field.substr(opening + 1), ')').before);
-}
+    char Next() const { return at_ < value_.size() ? value_[at_] : '\0'; }
+
+    // Skips remarks, each from the dash that begins it to its '*', and keeps the last. One without
+    // '*' is dropped, with all that follows.
+    void CutRemarks(std::string_view& remark) {
+        for (;;) {
+            while (IsBlank(Next()) || Next() == '"') ++at_;
+            if (Next() != '-') return;
+            const std::string_view text = value_.substr(at_ + 1);
+            const std::size_t end = Find(text, '*');
+            if (end == std::string_view::npos) {
+                at_ = value_.size();
+                return;
+            }
+            remark = text.substr(0, end);
+            at_ += end + 2;
+        }
+    }
+
+    // Cuts from any character, which is never taken as a parenthesis that has to be closed, through
+    // the parenthesis that closes the entry's first one, and the comma behind it. An entry without
+    // end is dropped.
+    Cut CutEntry(RegisterEntry& entry) {
+        const std::size_t begin = at_;
+        std::size_t opening = value_[begin] == '(' ? begin : parentheses_.kNone;
+        int depth = 0;
+        parentheses_.SkipTo(begin + 1);
+        do {
+            at_ = parentheses_.Next();
+            if (at_ == parentheses_.kNone) return Cut::kEnd;
+            if (opening == parentheses_.kNone) opening = at_;
+            depth += value_[at_] == '(' ? 1 : -1;
+            if (depth < 0) return Cut::kError;
+        } while (depth > 0);
+        entry.number = {value_.data() + begin, opening - begin};
+        entry.columns = {value_.data() + opening + 1, at_ - opening - 1};
+        ++at_;
+        while (IsBlank(Next())) ++at_;
+        if (at_ == value_.size()) return Cut::kEntry;
+        return value_[at_++] == ',' ? Cut::kEntry : Cut::kError;
+    }
+
+    std::string_view value_;
+    Marks<'(', ')'> parentheses_;
+    std::size_t at_ = 0;
+};
 
 }  // namespace
 
-// False at the end of the value.
-bool RegisterCutter::SkipBlanksAndQuotes() {
-    while (at_ < value_.size() && (IsBlank(value_[at_]) || value_[at_] == '"')) ++at_;
-    return at_ < value_.size();
-}
-
-bool RegisterCutter::Stop(bool malformed) {
-    malformed_ = malformed;
-    at_ = value_.size();
-    return false;
-}
-
-// Skips remarks, each from the dash that begins it to its '*', and keeps the last. One without '*'
-// is dropped.
-void RegisterCutter::CutRemarks(std::string_view& remark) {
-    while (SkipBlanksAndQuotes() && value_[at_] == '-') {
-        const std::string_view text = value_.substr(at_ + 1);
-        const std::size_t end = Find(text, '*');
-        if (end == std::string_view::npos) {
-            at_ = value_.size();
-            return;
-        }
-        remark = text.substr(0, end);
-        at_ += end + 2;
-    }
-}
-
-// From any character, which is never taken as a parenthesis, through the parenthesis that closes
-// the entry's first one, and the comma behind it. An entry without end is dropped.
-bool RegisterCutter::CutEntry(std::string_view& text) {
-    const std::size_t begin = at_;
-    int depth = 0;
-    do {
-        const std::size_t next = Find(value_.substr(at_ + 1), '(', ')');
-        if (next == std::string_view::npos) return Stop(false);
-        at_ += next + 1;
-        depth += value_[at_] == '(' ? 1 : -1;
-        if (depth < 0) return Stop(true);
-    } while (depth > 0);
-    ++at_;
-    text = value_.substr(begin, at_ - begin);
-    while (at_ < value_.size() && IsBlank(value_[at_])) ++at_;
-    if (at_ < value_.size() && value_[at_++] != ',') malformed_ = true;
-    return true;
-}
-
-bool RegisterCutter::Next(RegisterEntry& entry) {
-    // A remark in front of the first entry belongs to none.
-    std::string_view no_remark;
-    CutRemarks(no_remark);
-    if (malformed_ || at_ >= value_.size() || !CutEntry(entry.text)) return false;
-    entry.remark = {};
-    CutRemarks(entry.remark);
-    return true;
-}
-
-bool IsRegister(std::string_view value) {
-    RegisterCutter cutter(value);
-    RegisterEntry entry;
-    bool any = false;
-    while (cutter.Next(entry)) any = true;
-    return any && !cutter.IsMalformed();
+bool CutRegister(std::string_view value, std::vector<RegisterEntry>& entries) {
+    return RegisterCutter(value).CutAll(entries) && !entries.empty();
 }
 
 void AppendRemark(std::string_view remark, std::string& text) {
@@ -130,26 +144,22 @@ void AppendRemark(std::string_view remark, std::string& text) {
     }
 }
 
-bool CutRegisterEntry(std::string_view text, RegisterFields& fields) {
-    const Parts parts = CutTrimmed(text, '(');
-    fields.number = DecimalValue(parts.before);
-    std::string_view body = TrimRight(parts.after.substr(0, parts.after.rfind(')')));
-    fields.type = TakeField(body);
-    CutPort(TakeField(body), fields);
-    fields.function = TakeField(body);
-
-    // Without columns behind it, the safe value is all that is left.
-    const std::string_view rest = body;
-    std::string_view safe = TakeField(body);
-    if (safe.empty()) {
-        safe = rest;
-        body = {};
-    }
-    if (!ToSignal(safe, kSafeValues, fields.safe)) return false;
-    if (body.empty()) return true;
-    fields.control = DecimalValue(TakeField(body));
-    return ToSignal(TakeField(body), kDisableValues, fields.disable_value) &&
-           ToSignal(body, kDisableResults, fields.disable_result);
+bool CutRegisterEntry(const RegisterEntry& entry, CellFields& fields) {
+    // The columns are: type, port, function, safe value, control cell, disable value, disable
+    // result. The last three may be missing, as may be all in front of the safe value.
+    constexpr std::size_t kSafe = 3;
+    const Columns columns(entry.columns);
+    const std::size_t last = columns.Last();
+    fields.number = DecimalValue(entry.number);
+    fields.type = last > 0 ? columns[0] : std::string_view();
+    if (last > 1) CutPort(columns[1], fields);
+    fields.function = last > 2 ? columns[2] : std::string_view();
+    if (!SignalText::Find(kSafeValues, columns[std::min(last, kSafe)], fields.safe)) return false;
+    if (last <= kSafe) return true;
+    if (last < Columns::kMost - 1) return last == kSafe + 1 && columns[last].empty();
+    fields.control = DecimalValue(columns[4]);
+    return SignalText::Find(kDisableValues, columns[5], fields.disable_value) &&
+           SignalText::Find(kDisableResults, columns[6], fields.disable_result);
 }
 
 }  // namespace bscan::detail

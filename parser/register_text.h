@@ -1,61 +1,31 @@
 // The text of the boundary register.
 #pragma once
 
-#include <bscan/signal.h>
+#include "model/device_builder.h"
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace bscan::detail {
 
 // An entry such as "12 (BC_1, IO(3), output3, X, 11, 1, Z)" and the comment behind it, both as they
 // stand in the value.
 struct RegisterEntry {
-    std::string_view text;
-    std::string_view remark;  // without the dash that begins it and the '*' that ends it
+    std::string_view number;
+    std::string_view columns;  // what stands in the parentheses
+    std::string_view remark;   // without the dash that begins it and the '*' that ends it
 };
 
-// Takes the value of a boundary register, with its comments, apart.
-class RegisterCutter {
-public:
-    explicit RegisterCutter(std::string_view value) : value_(value) {}
+// Takes the value of a boundary register, with its comments, apart. False when it holds something
+// that is no entry, or none at all.
+bool CutRegister(std::string_view value, std::vector<RegisterEntry>& entries);
 
-    // The next entry and the last of the comments behind it; false when none is left.
-    bool Next(RegisterEntry& entry);
-    // Whether something was met that is no entry. Nothing of such a value may be registered.
-    bool IsMalformed() const { return malformed_; }
-
-private:
-    bool SkipBlanksAndQuotes();
-    void CutRemarks(std::string_view& remark);
-    bool CutEntry(std::string_view& text);
-    bool Stop(bool malformed);
-
-    std::string_view value_;
-    std::size_t at_ = 0;
-    bool malformed_ = false;
-};
-
-// Whether a value is made of entries, at least one.
-bool IsRegister(std::string_view value);
+// Reads an entry, but for its remark; false when a value is none that its column may hold. The port
+// is spelled as in the entry, and without its subscript.
+bool CutRegisterEntry(const RegisterEntry& entry, CellFields& fields);
 
 // Leaves out the dashes and the white space of a remark.
 void AppendRemark(std::string_view remark, std::string& text);
-
-// The columns of an entry.
-struct RegisterFields {
-    int number = 0;
-    std::string_view type;
-    std::string_view port;  // without its subscript; empty for "*"
-    int port_index = 0;
-    std::string_view function;
-    eSignal safe = SIG_X;
-    int control = -1;  // -1 when the entry has no control columns
-    eSignal disable_value = SIG_0;
-    eSignal disable_result = SIG_Z;
-};
-
-// Reads the columns of an entry; false when a value is none that its column may hold.
-bool CutRegisterEntry(std::string_view text, RegisterFields& fields);
 
 }  // namespace bscan::detail

@@ -38,6 +38,16 @@ int StatementReader::Complete(std::string& statement, Terminator terminator, std
     }
 }
 
+int StatementReader::NextStatement(Terminator terminator, std::string& storage,
+                                   std::string_view& statement) {
+    int result = lines_.Next(statement);
+    if (result != kOk || terminator.IsIn(statement)) return result;
+    storage.assign(statement);
+    result = Complete(storage, terminator);
+    statement = storage;
+    return result;
+}
+
 int StatementReader::ReadStringValue(std::string_view start, Comments comments,
                                      std::string& value) {
     bool ended = false;

@@ -55,6 +55,10 @@ public:
     int Complete(std::string& statement, Terminator terminator,
                  std::size_t limit = kMaxStatementLength);
 
+    // Reads a line and completes it. The statement is in the line, or in `storage` when it had to
+    // be put together; it is valid until the next call.
+    int NextStatement(Terminator terminator, std::string& storage, std::string_view& statement);
+
     // Appends a string value to `value`: one quoted piece a line, the last line ending in ';'. The
     // start is the text behind the opening quote of the statement; empty when the value begins on
     // the next line. Each piece is followed by the comment of its line, when comments are kept, and

@@ -15,7 +15,14 @@ FilePointer OpenForReading(const char* path) {
     const bool readable =
         fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
     FILE* file = readable ? fdopen(descriptor, "r") : nullptr;
-    if (file == nullptr) close(descriptor);
+    if (file == nullptr) {
+        close(descriptor);
+        return nullptr;
+    }
+    // The default buffer costs a call of the system for every page. It stays when there is no
+    // memory for another one.
+    constexpr std::size_t kBufferSize = 1U << 15;
+    std::setvbuf(file, nullptr, _IOFBF, kBufferSize);
     return FilePointer(file);
 }
 

@@ -1,7 +1,11 @@
 #include "support/name_table.h"
 
+#include "support/word.h"
+
+#include <algorithm>
+#include <bit>
 #include <chrono>
-#include <cstring>
+#include <functional>
 
 namespace bscan::detail {
 namespace {
@@ -16,55 +20,49 @@ std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
 constexpr std::uint64_t kFirst = 0x9e3779b97f4a7c15U;
 constexpr std::uint64_t kSecond = 0xd1b54a32d192ed03U;
 
-std::uint64_t Seed() {
-    static const std::uint64_t seed = [] {
-        static const char place = 0;  // its address differs from process to process
-        const auto time = std::chrono::steady_clock::now().time_since_epoch().count();
-        const auto address = reinterpret_cast<std::uintptr_t>(&place);
-        return Mix(static_cast<std::uint64_t>(time) ^ kFirst, address ^ kSecond);
-    }();
-    return seed;
+std::uint64_t MakeSeed() {
+    static const char place = 0;  // its address differs from process to process
+    const auto time = std::chrono::steady_clock::now().time_since_epoch().count();
+    const auto address = reinterpret_cast<std::uintptr_t>(&place);
+    return Mix(static_cast<std::uint64_t>(time) ^ kFirst, address ^ kSecond);
 }
 
-template <class Word>
-std::uint64_t Load(const char* text) {
-    Word word = 0;
-    std::memcpy(&word, text, sizeof word);
-    return word;
+const std::uint64_t kSeed = MakeSeed();
+
+std::uint32_t HashOf(std::uint64_t mixed) {
+    return static_cast<std::uint32_t>(mixed ^ (mixed >> 32));
 }
 
-// Up to 8 characters as a number, read in pieces of fixed size, which may overlap.
-std::uint64_t LoadShort(std::string_view text) {
-    const std::size_t size = text.size();
-    const char* const begin = text.data();
-    if (size >= 4) {
-        return Load<std::uint32_t>(begin) << 32 | Load<std::uint32_t>(begin + size - 4);
-    }
-    if (size >= 2) {
-        return Load<std::uint16_t>(begin) << 16 | Load<std::uint16_t>(begin + size - 2);
-    }
-    return size == 0 ? 0 : Load<std::uint8_t>(begin);
-}
+constexpr std::size_t kShort = sizeof(std::uint64_t);
 
-std::uint32_t Hash(std::string_view name) {
-    std::uint64_t hash = Seed() ^ name.size();
-    for (; name.size() > 8; name.remove_prefix(8)) {
-        hash = Mix(hash ^ Load<std::uint64_t>(name.data()), kFirst);
+std::uint32_t HashLong(std::string_view name) {
+    std::uint64_t hash = kSeed ^ name.size();
+    for (; name.size() > kShort; name.remove_prefix(kShort)) {
+        hash = Mix(hash ^ LoadWord(name.data()), kFirst);
     }
-    hash = Mix(hash ^ LoadShort(name), kSecond);
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+    return HashOf(Mix(hash ^ ShortWord(name), kSecond));
 }
 
 }  // namespace
 
-std::size_t NameTable::Slot(std::string_view name, std::uint32_t hash) const {
+// What is stored of a name, except for where its text starts.
+NameTable::Entry NameTable::EntryOf(std::string_view name) {
+    const auto length = static_cast<std::uint32_t>(name.size());
+    if (length > kShort) return {0, length, HashLong(name)};
+    const std::uint64_t word = ShortWord(name);
+    return {word, length, HashOf(Mix(word ^ kSeed, kSecond ^ length))};
+}
+
+// The slot of a name, or the free one that it would take.
+std::size_t NameTable::Slot(const Entry& sought, std::string_view name) const {
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
+    for (std::size_t slot = sought.hash & mask;; slot = (slot + 1) & mask) {
         if (slots_[slot] == 0) return slot;
         const Entry& entry = entries_[slots_[slot] - 1];
-        if (entry.hash == hash && entry.length == name.size() &&
-            (name.empty() ||
-             std::memcmp(text_.data() + entry.start, name.data(), name.size()) == 0)) {
+        if (entry.hash != sought.hash || entry.length != sought.length) continue;
+        if (entry.length <= kShort) {
+            if (entry.word == sought.word) return slot;
+        } else if (EqualWords(name, {text_.data() + entry.word, entry.length}, std::identity())) {
             return slot;
         }
     }
@@ -72,21 +70,22 @@ std::size_t NameTable::Slot(std::string_view name, std::uint32_t hash) const {
 
 int NameTable::Find(std::string_view name) const {
     if (slots_.empty()) return kNone;
-    return static_cast<int>(slots_[Slot(name, Hash(name))]) - 1;
+    return static_cast<int>(slots_[Slot(EntryOf(name), name)]) - 1;
 }
 
 int NameTable::Add(std::string_view name) {
-    if ((entries_.size() + 1) * 2 > slots_.size()) Grow();
-    const std::uint32_t hash = Hash(name);
-    std::uint32_t& slot = slots_[Slot(name, hash)];
+    // At most half of the slots are taken.
+    if ((entries_.size() + 1) * 2 > slots_.size()) {
+        Rehash(std::max<std::size_t>(slots_.size() * 2, 16));
+    }
+    Entry entry = EntryOf(name);
+    std::uint32_t& slot = slots_[Slot(entry, name)];
     if (slot == 0) {
-        entries_.push_back({text_.size(), static_cast<std::uint32_t>(name.size()), hash});
-        try {
+        if (entry.length > kShort) {
+            entry.word = text_.size();
             text_.append(name);
-        } catch (...) {
-            entries_.pop_back();
-            throw;
         }
+        entries_.push_back(entry);
         slot = static_cast<std::uint32_t>(entries_.size());
     }
     return static_cast<int>(slot) - 1;
@@ -94,8 +93,14 @@ int NameTable::Add(std::string_view name) {
 
 void NameTable::Clear() { *this = NameTable(); }
 
-void NameTable::Grow() {
-    std::vector<std::uint32_t> slots(slots_.empty() ? 16 : slots_.size() * 2);
+void NameTable::Reserve(std::size_t count) {
+    entries_.reserve(count);
+    const std::size_t slot_count = std::bit_ceil(std::max<std::size_t>(count * 2, 16));
+    if (slot_count > slots_.size()) Rehash(slot_count);
+}
+
+void NameTable::Rehash(std::size_t slot_count) {
+    std::vector<std::uint32_t> slots(slot_count);
     const std::size_t mask = slots.size() - 1;
     for (std::uint32_t number = 0; number < entries_.size(); ++number) {
         std::size_t slot = entries_[number].hash & mask;

@@ -19,20 +19,24 @@ public:
     int Find(std::string_view name) const;
     // The number of a name, which is added when it is new.
     int Add(std::string_view name);
+    // Makes room for so many names in all.
+    void Reserve(std::size_t count);
     int Count() const { return static_cast<int>(entries_.size()); }
     void Clear();
 
 private:
+    // Up to eight characters are kept in the entry itself, as a number.
     struct Entry {
-        std::size_t start;
+        std::uint64_t word;  // or where the name starts in `text_`
         std::uint32_t length;
         std::uint32_t hash;
     };
 
-    std::size_t Slot(std::string_view name, std::uint32_t hash) const;
-    void Grow();
+    static Entry EntryOf(std::string_view name);
+    std::size_t Slot(const Entry& sought, std::string_view name) const;
+    void Rehash(std::size_t slot_count);
 
-    std::string text_;
+    std::string text_;  // the longer names
     std::vector<Entry> entries_;
     std::vector<std::uint32_t> slots_;  // number + 1 of the entry; 0 for none; a power of two long
 };

@@ -37,13 +37,18 @@ std::int32_t DecimalValue(std::string_view text) {
     while (at < text.size() && (IsBlank(text[at]) || text[at] == '\v' || text[at] == '\f')) ++at;
     bool negative = false;
     if (at < text.size() && (text[at] == '-' || text[at] == '+')) negative = text[at++] == '-';
+    std::uint64_t value = 0;
+    // So many digits fit whatever they are.
+    const std::size_t safe =
+        std::min(text.size(), at + std::numeric_limits<std::int64_t>::digits10);
+    for (; at < safe && IsDigit(text[at]); ++at) {
+        value = value * 10 + static_cast<std::uint64_t>(text[at] - '0');
+    }
     constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
     const std::uint64_t limit = negative ? kMost + 1 : kMost;
-    std::uint64_t value = 0;
     for (; at < text.size() && IsDigit(text[at]); ++at) {
         const auto digit = static_cast<std::uint64_t>(text[at] - '0');
-        // Below a tenth of the limit, less 1, another digit fits whatever it is.
-        if (value >= kMost / 10 && value > (limit - digit) / 10) {
+        if (value > (limit - digit) / 10) {
             value = limit;
             break;
         }

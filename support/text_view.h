@@ -1,15 +1,12 @@
 // Cutting, comparing and converting text without copying it.
 #pragma once
 
-#include <algorithm>
-#include <bit>
+#include "support/search.h"
+#include "support/word.h"
+
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace bscan::detail {
 
@@ -19,8 +16,9 @@ inline std::string_view View(const char* text) {
 }
 
 inline bool IsBlank(char c) {
-    // Most characters are above the blank, so one comparison decides.
-    return c <= ' ' && (c == ' ' || c == '\t' || c == '\r' || c == '\n');
+    constexpr std::uint64_t kBlanks = 1ULL << ' ' | 1ULL << '\t' | 1ULL << '\r' | 1ULL << '\n';
+    const auto code = static_cast<unsigned char>(c);
+    return code <= ' ' && (kBlanks >> code & 1U) != 0;
 }
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 inline bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -41,39 +39,6 @@ inline std::string_view TrimRight(std::string_view text) {
 }
 
 inline std::string_view Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
-
-#if defined(__SSE2__)
-// One bit for each of sixteen characters that is one of those sought.
-template <class... Characters>
-unsigned PlacesInBlock(const char* text, Characters... sought) {
-    __m128i block;
-    std::memcpy(&block, text, sizeof block);
-    __m128i found = _mm_setzero_si128();
-    ((found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(sought)))), ...);
-    return static_cast<unsigned>(_mm_movemask_epi8(found));
-}
-#endif
-
-// The position of the first of some characters; npos without one. Sixteen characters are looked at
-// in one step, without a call: what is sought here is mostly a few characters away.
-template <class... Characters>
-std::size_t Find(std::string_view text, Characters... sought) {
-    std::size_t at = 0;
-#if defined(__SSE2__)
-    constexpr std::size_t kBlock = sizeof(__m128i);
-    while (text.size() >= kBlock && at < text.size()) {
-        // The last block overlaps the one before, in which nothing was found.
-        const std::size_t begin = std::min(at, text.size() - kBlock);
-        const unsigned places = PlacesInBlock(text.data() + begin, sought...);
-        if (places != 0) return begin + static_cast<std::size_t>(std::countr_zero(places));
-        at += kBlock;
-    }
-#endif
-    for (; at < text.size(); ++at) {
-        if (((text[at] == sought) || ...)) return at;
-    }
-    return std::string_view::npos;
-}
 
 // The position of the first space, tab or line feed.
 inline std::size_t FindSpace(std::string_view text) { return Find(text, ' ', '\t', '\n'); }
@@ -112,16 +77,21 @@ inline bool Contains(std::string_view text, char sought) {
     return Find(text, sought) != std::string_view::npos;
 }
 
+// Whether a text is what UpperCase would make of it.
+inline bool IsUpperCase(std::string_view text) {
+    std::uint64_t lower = 0;
+    for (; text.size() > 8; text.remove_prefix(8)) {
+        lower |= BytesBetween(LoadWord(text.data()), 'a', 'z');
+    }
+    return (lower | BytesBetween(ShortWord(text), 'a', 'z')) == 0;
+}
+
 void UpperCase(char* text, std::size_t length);
 void UpperCase(std::string& text);
 void LowerCase(std::string& text);
 
 inline bool EqualIgnoringCase(std::string_view left, std::string_view right) {
-    if (left.size() != right.size()) return false;
-    for (std::size_t i = 0; i < left.size(); ++i) {
-        if (left[i] != right[i] && ToLower(left[i]) != ToLower(right[i])) return false;
-    }
-    return true;
+    return left.size() == right.size() && EqualWords(left, right, UpperCaseWord);
 }
 
 // Compares as strcmp does, with all letters taken as lower case.
