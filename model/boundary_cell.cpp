@@ -20,8 +20,10 @@ LBScanCell& LBScanCell::operator=(const LBScanCell& other) {
 }
 
 void LBScanCell::CopyFrom(const LBScanCell& other) {
-    std::string pin_name = other.pin_name_;
-    std::string original_pin_name = other.original_pin_name_;
+    Name pin_name;
+    Name original_pin_name;
+    pin_name.Assign(other.pin_name_.View());
+    original_pin_name.Assign(other.original_pin_name_.View());
     position_ = other.position_;
     type_ = other.type_;
     node_ = other.node_;
@@ -31,8 +33,8 @@ void LBScanCell::CopyFrom(const LBScanCell& other) {
     disableValue = other.disableValue;
     disableResult = other.disableResult;
     cellValue = other.cellValue;
-    pin_name_.swap(pin_name);
-    original_pin_name_.swap(original_pin_name);
+    pin_name_.Swap(pin_name);
+    original_pin_name_.Swap(original_pin_name);
     NamesSet();
 }
 
@@ -67,19 +69,19 @@ int LBScanCell::GetBoundaryCellPosition() const { return position_; }
 
 void LBScanCell::SetPinName(const char* name) {
     if (name == nullptr) return;
-    GuardedQuietly([&] { pin_name_.assign(name); });
+    GuardedQuietly([&] { pin_name_.Assign(name); });
     if (index_ != nullptr) index_->PinNameSet(*this);
 }
 
-const char* LBScanCell::GetPinName() const { return pin_name_.c_str(); }
+const char* LBScanCell::GetPinName() const { return pin_name_.View().data(); }
 
 void LBScanCell::SetOriginalPinName(const char* name) {
     if (name == nullptr) return;
-    GuardedQuietly([&] { original_pin_name_.assign(name); });
+    GuardedQuietly([&] { original_pin_name_.Assign(name); });
     if (index_ != nullptr) index_->OriginalNameSet(*this);
 }
 
-const char* LBScanCell::GetOriginalPinName() const { return original_pin_name_.c_str(); }
+const char* LBScanCell::GetOriginalPinName() const { return original_pin_name_.View().data(); }
 
 void LBScanCell::SetControlCell(LBScanCell* cell) { control_ = cell; }
 LBScanCell* LBScanCell::GetControlCell() const { return control_; }

@@ -18,7 +18,7 @@ namespace {
 // Shortens a list of nodes back to what it was, unless told that all went well.
 class NodesOnTrial {
 public:
-    explicit NodesOnTrial(std::vector<LObject*>& nodes) : nodes_(nodes), kept_(nodes.size()) {}
+    explicit NodesOnTrial(ObjectPointers& nodes) : nodes_(nodes), kept_(nodes.size()) {}
     NodesOnTrial(const NodesOnTrial&) = delete;
     NodesOnTrial& operator=(const NodesOnTrial&) = delete;
     ~NodesOnTrial() {
@@ -30,22 +30,23 @@ public:
     void Keep() { kept_ = nodes_.size(); }
 
 private:
-    std::vector<LObject*>& nodes_;
+    ObjectPointers& nodes_;
     std::size_t kept_;
 };
 
-void AppendNumber(std::string& text, int number) {
+std::string Subscripted(std::string_view port, int index) {
+    std::string name(port);
     char digits[12];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number);
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, index);
     static_cast<void>(error);
-    text.append(digits, static_cast<std::size_t>(end - digits));
+    return name.append(digits, static_cast<std::size_t>(end - digits));
 }
 
 }  // namespace
 
 void DeviceBuilder::AddPorts(std::optional<std::string_view> name, std::string_view mode,
                              std::int64_t count, bool ascending) {
-    std::vector<LObject*>& nodes = ListAccess::Objects(device_.pins_);
+    ObjectPointers& nodes = ListAccess::Objects(device_.pins_);
     const auto first = static_cast<std::int64_t>(nodes.size());
     if (!Usable() || count < 1 || first + count > kMaxPortElements) return;
     const std::size_t text = name ? name->size() * static_cast<std::size_t>(count) : 0;
@@ -65,7 +66,7 @@ void DeviceBuilder::AddPorts(std::optional<std::string_view> name, std::string_v
 LPinNode* DeviceBuilder::MakeNode(std::optional<std::string_view> name, PortType mode,
                                   int vector_index) {
     auto node = std::make_unique<LPinNode>();
-    if (name) node->port_name_.emplace(*name);
+    if (name) node->port_name_.Assign(*name);
     node->type_ = mode;
     node->vector_index_ = vector_index;
     node->list_position_ = device_.GetNumberOfPins() - 1;
@@ -78,11 +79,7 @@ LPinNode* DeviceBuilder::Element(std::string_view port, int k) {
 }
 
 void DeviceBuilder::SetPinName(LPinNode& node, std::string_view pin) {
-    if (node.pin_name_) {
-        node.pin_name_->assign(pin);
-    } else {
-        node.pin_name_.emplace(pin);
-    }
+    node.pin_name_.Assign(pin);
     if (node.index_ != nullptr) node.index_->PinNamesChanged();
 }
 
@@ -123,9 +120,12 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
     if (fields.function) cell.function_ = FunctionFromText(*fields.function, cell.function_);
     cell.safeValue = fields.safe;
     cell.cellValue = fields.value;
-    if (fields.original_name) cell.original_pin_name_.assign(*fields.original_name);
-    cell.pin_name_.assign(fields.port);
-    if (fields.port_index != 0) AppendNumber(cell.pin_name_, fields.port_index);
+    if (fields.original_name) cell.original_pin_name_.Assign(*fields.original_name);
+    if (fields.port_index == 0) {
+        cell.pin_name_.Assign(fields.port);
+    } else {
+        cell.pin_name_.Assign(Subscripted(fields.port, fields.port_index));
+    }
     cell.NamesSet();
     if (fields.control >= 0) {
         cell.control_ = &device_.cells_[static_cast<std::size_t>(fields.control)];
@@ -138,13 +138,13 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
 }
 
 void DeviceBuilder::NameCell(LBScanCell& cell, const char* name) {
-    cell.pin_name_.assign(name);
-    cell.original_pin_name_.assign(name);
+    cell.pin_name_.Assign(name);
+    cell.original_pin_name_.Assign(name);
     cell.NamesSet();
 }
 
 LPinNode* DeviceBuilder::PortOfPinName(LBScanCell& cell) {
-    return device_.GetPortwName(cell.pin_name_.data());
+    return device_.GetPortwName(cell.pin_name_.Text());
 }
 
 }  // namespace bscan::detail

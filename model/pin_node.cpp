@@ -8,21 +8,13 @@
 
 using namespace bscan::detail;
 
-namespace {
-
-char* Writable(const std::optional<std::string>& text) {
-    return text ? const_cast<char*>(text->c_str()) : nullptr;  // NOLINT: the interface gives it out
-}
-
-}  // namespace
-
 LPinNode::LPinNode() = default;
 LPinNode::~LPinNode() = default;
 
 void LPinNode::SetPortName(char* name) {
     if (name == nullptr) return;
     GetPortName();  // from now on the index has to look at the name itself
-    GuardedQuietly([&] { port_name_ = std::string(name); });
+    GuardedQuietly([&] { port_name_.Assign(name); });
 }
 
 char* LPinNode::GetPortName() const {
@@ -30,12 +22,12 @@ char* LPinNode::GetPortName() const {
         port_name_exposed_ = true;
         index_->PortNameExposed(*this);
     }
-    return Writable(port_name_);
+    return port_name_.Text();
 }
 
 void LPinNode::SetPinName(char* name) {
     if (name == nullptr) return;
-    GuardedQuietly([&] { pin_name_ = std::string(name); });
+    GuardedQuietly([&] { pin_name_.Assign(name); });
     if (index_ != nullptr) index_->PinNamesChanged();
 }
 
@@ -44,7 +36,7 @@ char* LPinNode::GetPinName() const {
         pin_name_exposed_ = true;
         index_->PinNameExposed(*this);
     }
-    return Writable(pin_name_);
+    return pin_name_.Text();
 }
 
 void LPinNode::SetPortType(char* mode) { type_ = ModeFromText(View(mode), type_); }
@@ -70,10 +62,7 @@ LObjList* LPinNode::GetBScanCells() const {
 int LPinNode::AssociateBScanCell(LBScanCell* cell) {
     if (cell == nullptr || !Accepts(type_, cell->GetFunction())) return bscan::kFailed;
     return GuardedCode([&]() -> int {
-        if (!cells_) {
-            cells_.emplace();
-            ListAccess::Objects(*cells_).reserve(3);  // as many as most ports have
-        }
+        if (!cells_) cells_.emplace();
         ListAccess::Objects(*cells_).push_back(cell);
         return bscan::kOk;
     });

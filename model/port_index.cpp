@@ -13,26 +13,15 @@ namespace {
 // What a walk does with an element.
 enum class Step { kNext, kFound, kEnd };
 
-// A host may have written a terminator into the name, which then ends there.
-std::string_view Text(const std::optional<std::string>& name) { return name->c_str(); }
-
-bool IsUpper(std::string_view name) {
-    return std::none_of(name.begin(), name.end(), [](char c) { return c >= 'a' && c <= 'z'; });
-}
-
 }  // namespace
 
 PortIndex::PortIndex(LObjList& list) : list_(list) { ListAccess::SetOwner(list_, this); }
 
 PortIndex::~PortIndex() { ListAccess::SetOwner(list_, nullptr); }
 
-const char* PortIndex::PortNameOf(const LPinNode& node) {
-    return node.port_name_ ? node.port_name_->c_str() : nullptr;
-}
+const char* PortIndex::PortNameOf(const LPinNode& node) { return node.port_name_.Text(); }
 
-const char* PortIndex::PinNameOf(const LPinNode& node) {
-    return node.pin_name_ ? node.pin_name_->c_str() : nullptr;
-}
+const char* PortIndex::PinNameOf(const LPinNode& node) { return node.pin_name_.Text(); }
 
 int PortIndex::Count() const { return static_cast<int>(ListAccess::Objects(list_).size()); }
 
@@ -64,7 +53,7 @@ void PortIndex::Added(std::optional<std::string_view> name, const PortRun& run) 
     try {
         SameName& same = Same(*name);
         same.spelled.Add(run);
-        if (IsUpper(*name)) {
+        if (IsUpperCase(*name)) {
             same.folded.Add(run);
         } else {
             std::string upper(*name);
@@ -139,7 +128,7 @@ void PortIndex::UpperCaseUpTo(int position) {
 }
 
 void PortIndex::UpperCaseName(LPinNode& node) {
-    UpperCase(node.port_name_->data(), Text(node.port_name_).size());
+    UpperCase(node.port_name_.Text(), node.port_name_.View().size());
 }
 
 // Finds by port name from what the index knows of it: -1 or a position.
@@ -153,9 +142,9 @@ LPinNode* PortIndex::FirstByName(int known, Matches matches) {
 LPinNode* PortIndex::FirstNamed(std::string_view name) {
     const PortRuns* const same = Folded(name);
     return FirstByName(same == nullptr ? -1 : same->First(), [&](LPinNode& node) {
-        if (!node.port_name_) return Step::kNext;
+        if (!node.port_name_.IsSet()) return Step::kNext;
         UpperCaseName(node);
-        return Text(node.port_name_) == name ? Step::kFound : Step::kNext;
+        return node.port_name_.View() == name ? Step::kFound : Step::kNext;
     });
 }
 
@@ -163,9 +152,9 @@ LPinNode* PortIndex::FirstNamed(std::string_view name, int vector_index) {
     const PortRuns* const same = Folded(name);
     const int known = same == nullptr ? -1 : same->FirstWithIndex(vector_index);
     return FirstByName(known, [&](LPinNode& node) {
-        if (!node.port_name_) return Step::kEnd;
+        if (!node.port_name_.IsSet()) return Step::kEnd;
         UpperCaseName(node);
-        const bool found = Text(node.port_name_) == name && node.vector_index_ == vector_index;
+        const bool found = node.port_name_.View() == name && node.vector_index_ == vector_index;
         return found ? Step::kFound : Step::kNext;
     });
 }
@@ -181,7 +170,7 @@ int PortIndex::NthSpelled(std::string_view name, int k) const {
     const int number = names_.Find(name);
     if (number == NameTable::kNone) return -1;
     const SameName& same = same_names_[static_cast<std::size_t>(number)];
-    const int turned = IsUpper(name) ? same.folded.CountBefore(upper_until_) : 0;
+    const int turned = IsUpperCase(name) ? same.folded.CountBefore(upper_until_) : 0;
     if (k < turned) return same.folded.At(k);
     return same.spelled.At(same.spelled.CountBefore(upper_until_) + (k - turned));
 }
@@ -194,7 +183,8 @@ LPinNode* PortIndex::NthNamed(std::string_view name, int k) {
     }
     for (int position = 0; position < Count(); ++position) {
         LPinNode* const node = Node(position);
-        if (node == nullptr || !node->port_name_ || Text(node->port_name_) != name) continue;
+        if (node == nullptr || !node->port_name_.IsSet() || node->port_name_.View() != name)
+            continue;
         if (k-- == 0) return node;
     }
     return nullptr;
@@ -206,8 +196,8 @@ void PortIndex::LearnPinNames() {
     first_with_pin_name_.clear();
     for (int position = 0; position < indexed_; ++position) {
         const LPinNode& node = *Node(position);
-        if (!node.pin_name_) continue;
-        const int number = pin_names_.Add(node.pin_name_->c_str());
+        if (!node.pin_name_.IsSet()) continue;
+        const int number = pin_names_.Add(node.pin_name_.View());
         if (static_cast<std::size_t>(number) == first_with_pin_name_.size()) {
             first_with_pin_name_.push_back(position);
         }
@@ -227,8 +217,8 @@ LPinNode* PortIndex::WithPinName(std::string_view name) {
     }
     return FirstOf(candidate, exposed_pin_names_,
                    [&](LPinNode& node) {
-                       return node.pin_name_ && Text(node.pin_name_) == name ? Step::kFound
-                                                                             : Step::kNext;
+                       return node.pin_name_.IsSet() && node.pin_name_.View() == name ? Step::kFound
+                                                                                      : Step::kNext;
                    })
         .node;
 }

@@ -1,6 +1,7 @@
 #include "model/port_runs.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace bscan::detail {
 
@@ -13,11 +14,10 @@ void PortRuns::Add(const PortRun& run) {
     const Item& last = *(end() - 1);
     item.before = last.before + last.run.count;
     item.longest = std::max(last.longest, run.count);
-    if (more_.empty()) {
-        std::vector<Item> both{only_, item};
-        more_.swap(both);
+    if (all_ == nullptr) {
+        all_ = std::make_unique<std::vector<Item>>(std::initializer_list<Item>{only_, item});
     } else {
-        more_.push_back(item);
+        all_->push_back(item);
     }
 }
 

@@ -1,6 +1,7 @@
 // The elements of the ports that share one name.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 namespace bscan::detail {
@@ -35,14 +36,14 @@ private:
         int longest = 0;  // count of the longest run up to this one
     };
 
-    const Item* begin() const { return more_.empty() ? &only_ : more_.data(); }
+    const Item* begin() const { return all_ == nullptr ? &only_ : all_->data(); }
     const Item* end() const {
-        if (!more_.empty()) return more_.data() + more_.size();
+        if (all_ != nullptr) return all_->data() + all_->size();
         return &only_ + (only_.run.count > 0 ? 1 : 0);
     }
 
     Item only_;  // most names are declared once, which then takes no allocation
-    std::vector<Item> more_;
+    std::unique_ptr<std::vector<Item>> all_;
 };
 
 }  // namespace bscan::detail

@@ -3,8 +3,6 @@
 
 #include <bscan/object_list.h>
 
-#include <vector>
-
 namespace bscan::detail {
 
 // Whoever owns a list and has to know when a host takes objects off it.
@@ -18,8 +16,8 @@ protected:
 
 class ListAccess {
 public:
-    static std::vector<LObject*>& Objects(LObjList& list) { return list.objects_; }
-    static const std::vector<LObject*>& Objects(const LObjList& list) { return list.objects_; }
+    static ObjectPointers& Objects(LObjList& list) { return list.objects_; }
+    static const ObjectPointers& Objects(const LObjList& list) { return list.objects_; }
 
     // Null for a list that nobody owns.
     static void SetOwner(LObjList& list, ListOwner* owner) { list.owner_ = owner; }

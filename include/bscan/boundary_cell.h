@@ -2,11 +2,10 @@
 /// One cell of the boundary register.
 #pragma once
 
+#include <bscan/detail/name.h>
 #include <bscan/export.h>
 #include <bscan/object.h>
 #include <bscan/signal.h>
-
-#include <string>
 
 class LPinNode;
 
@@ -112,7 +111,7 @@ private:
     BSCAN_LOCAL void CopyFrom(const LBScanCell& other);
     BSCAN_LOCAL void NamesSet();
 
-    std::string pin_name_;
-    std::string original_pin_name_;
+    bscan::detail::Name pin_name_;
+    bscan::detail::Name original_pin_name_;
     bscan::detail::CellIndex* index_ = nullptr;  // hears of new names; not copied
 };

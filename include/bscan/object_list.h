@@ -2,10 +2,9 @@
 /// An ordered list of object pointers, in which the library hands out ports and cells.
 #pragma once
 
+#include <bscan/detail/object_pointers.h>
 #include <bscan/export.h>
 #include <bscan/object.h>
-
-#include <vector>
 
 namespace bscan::detail {
 class ListAccess;
@@ -48,6 +47,6 @@ public:
 private:
     friend class bscan::detail::ListAccess;
 
-    std::vector<LObject*> objects_;
+    bscan::detail::ObjectPointers objects_;
     bscan::detail::ListOwner* owner_ = nullptr;  // hears of what is taken off
 };

@@ -3,13 +3,13 @@
 #pragma once
 
 #include <bscan/boundary_cell.h>
+#include <bscan/detail/name.h>
 #include <bscan/export.h>
 #include <bscan/object.h>
 #include <bscan/object_list.h>
 #include <bscan/signal.h>
 
 #include <optional>
-#include <string>
 
 namespace bscan::detail {
 class DeviceBuilder;
@@ -108,11 +108,11 @@ private:
 
     int vector_index_ = -1;
     int pin_number_ = -1;
-    std::optional<std::string> port_name_;
-    std::optional<std::string> pin_name_;
     PortType type_ = PORT_NONE;
     eSignal value_ = SIG_X;
     std::optional<LObjList> cells_;
+    bscan::detail::Name port_name_;
+    bscan::detail::Name pin_name_;
     bool positive_ = false;
     bool negative_ = false;
 

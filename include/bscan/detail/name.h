@@ -1,0 +1,77 @@
+/// @file
+/// What ports and cells keep their names in. Nothing in it is for hosts.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace bscan::detail {
+
+// A text that ends with a zero byte, or none. Up to 15 characters, which is most names of ports and
+// pins, are kept in place.
+class Name {
+public:
+    Name() = default;
+    Name(const Name&) = delete;
+    Name& operator=(const Name&) = delete;
+    ~Name() { Release(); }
+
+    bool IsSet() const { return Tag() != kNone; }
+
+    // The text, which may be written up to its length; null without one.
+    char* Text() const {
+        if (Tag() == kOutside) return Outside();
+        return IsSet() ? const_cast<char*>(bytes_) : nullptr;  // NOLINT: see above
+    }
+
+    // The text without its end; empty without one.
+    std::string_view View() const { return IsSet() ? std::string_view(Text()) : ""; }
+
+    // Throws when memory is exhausted, and is unchanged then.
+    void Assign(std::string_view text) {
+        char* const outside = text.size() > kInPlace ? new char[text.size() + 1] : nullptr;
+        if (outside != nullptr) {
+            std::memcpy(outside, text.data(), text.size());
+            outside[text.size()] = '\0';
+            Release();
+            std::memcpy(bytes_, &outside, sizeof outside);
+            bytes_[kInPlace] = kOutside;
+            return;
+        }
+        // The text may be a part of this one.
+        char bytes[sizeof bytes_] = {};
+        if (!text.empty()) std::memcpy(bytes, text.data(), text.size());
+        Release();
+        std::memcpy(bytes_, bytes, sizeof bytes);
+    }
+
+    void Swap(Name& other) noexcept {
+        char bytes[sizeof bytes_];
+        std::memcpy(bytes, bytes_, sizeof bytes);
+        std::memcpy(bytes_, other.bytes_, sizeof bytes);
+        std::memcpy(other.bytes_, bytes, sizeof bytes);
+    }
+
+private:
+    static constexpr std::size_t kInPlace = 15;
+    // The last byte: 0 behind a text in place.
+    static constexpr char kOutside = 1;
+    static constexpr char kNone = 2;
+
+    char Tag() const { return bytes_[kInPlace]; }
+
+    char* Outside() const {
+        char* text = nullptr;
+        std::memcpy(&text, bytes_, sizeof text);
+        return text;
+    }
+
+    void Release() {
+        if (Tag() == kOutside) delete[] Outside();
+    }
+
+    alignas(char*) char bytes_[kInPlace + 1] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, kNone};
+};
+
+}  // namespace bscan::detail
