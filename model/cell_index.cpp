@@ -19,23 +19,29 @@ int Walk(CellColumn::Name name, std::string_view sought, const LBScanCell* cells
 
 }  // namespace
 
-CellColumn::Bearers& CellColumn::Under(std::string_view name) {
+// Most names are in upper case already.
+std::string_view CellColumn::Folded(std::string_view name) {
+    if (IsUpperCase(name)) return name;
     folded_.assign(name);
-    LowerCase(folded_);
-    const auto number = static_cast<std::size_t>(names_.Add(folded_));
-    if (number == bearers_.size()) bearers_.emplace_back();
-    return bearers_[number];
+    UpperCase(folded_);
+    return folded_;
 }
 
-bool CellColumn::Bears(const LBScanCell& cell, std::string_view folded) const {
-    return EqualIgnoringCase((cell.*name_)(), folded);
+int CellColumn::Bear(std::string_view name, int position) {
+    const int number = names_.Add(Folded(name));
+    if (static_cast<std::size_t>(number) == bearers_.size()) bearers_.emplace_back();
+    name_numbers_[static_cast<std::size_t>(position)] = number;
+    return number;
 }
 
 void CellColumn::Learn(const LBScanCell* cells, int count) {
     Forget();
-    next_.assign(static_cast<std::size_t>(count), -1);
+    const auto size = static_cast<std::size_t>(count);
+    name_numbers_.resize(size);
+    next_.assign(size, -1);
     for (int position = 0; position < count; ++position) {
-        Bearers& bearers = Under((cells[position].*name_)());
+        const int number = Bear((cells[position].*name_)(), position);
+        Bearers& bearers = bearers_[static_cast<std::size_t>(number)];
         (bearers.last < 0 ? bearers.first : next_[static_cast<std::size_t>(bearers.last)]) =
             position;
         bearers.last = position;
@@ -45,48 +51,69 @@ void CellColumn::Learn(const LBScanCell* cells, int count) {
 
 void CellColumn::Forget() {
     known_ = false;
-    renamed_ = 0;
     names_.Clear();
     bearers_.clear();
+    name_numbers_.clear();
     next_.clear();
+    renamed_.clear();
+    renamings_ = 0;
 }
 
 void CellColumn::Renamed(const LBScanCell* cells, int position) noexcept {
     if (!known_) return;
-    if (++renamed_ > 4 * next_.size()) return Forget();
+    if (++renamings_ > 4 * next_.size()) return Forget();
     try {
-        std::vector<int>& later = Under((cells[position].*name_)()).later;
-        later.push_back(position);
-        std::push_heap(later.begin(), later.end(), std::greater<>());
+        const int number = Bear((cells[position].*name_)(), position);
+        int& renamed = bearers_[static_cast<std::size_t>(number)].renamed;
+        if (renamed < 0) {
+            renamed_.emplace_back();
+            renamed = static_cast<int>(renamed_.size()) - 1;
+        }
+        Positions& positions = renamed_[static_cast<std::size_t>(renamed)];
+        positions.push_back(position);
+        std::push_heap(positions.begin(), positions.end(), std::greater<>());
     } catch (...) {
         Forget();
     }
 }
 
+// The lowest of the cells that were learned under a name and still bear it; -1 without one.
+int CellColumn::FirstLearned(int number) {
+    int& first = bearers_[static_cast<std::size_t>(number)].first;
+    while (first >= 0 && name_numbers_[static_cast<std::size_t>(first)] != number) {
+        first = next_[static_cast<std::size_t>(first)];
+    }
+    return first;
+}
+
+// The lowest of the cells that have got a name since and still bear it; -1 without one.
+int CellColumn::FirstRenamed(int number) {
+    const int renamed = bearers_[static_cast<std::size_t>(number)].renamed;
+    if (renamed < 0) return -1;
+    Positions& positions = renamed_[static_cast<std::size_t>(renamed)];
+    while (!positions.empty()) {
+        if (name_numbers_[static_cast<std::size_t>(positions.front())] == number) {
+            return positions.front();
+        }
+        std::pop_heap(positions.begin(), positions.end(), std::greater<>());
+        positions.pop_back();
+    }
+    return -1;
+}
+
 int CellColumn::First(std::string_view name, const LBScanCell* cells, int count) {
+    int number = NameTable::kNone;
     try {
         if (!known_) Learn(cells, count);
-        folded_.assign(name);
-        LowerCase(folded_);
+        number = names_.Find(Folded(name));
     } catch (...) {
         Forget();
         return Walk(name_, name, cells, count);
     }
-    const int number = names_.Find(folded_);
     if (number == NameTable::kNone) return -1;
-    Bearers& bearers = bearers_[static_cast<std::size_t>(number)];
-    if (renamed_ == 0) return bearers.first;
-    int& first = bearers.first;
-    while (first >= 0 && !Bears(cells[first], folded_)) {
-        first = next_[static_cast<std::size_t>(first)];
-    }
-    std::vector<int>& later = bearers.later;
-    while (!later.empty() && !Bears(cells[later.front()], folded_)) {
-        std::pop_heap(later.begin(), later.end(), std::greater<>());
-        later.pop_back();
-    }
-    if (later.empty()) return first;
-    return first < 0 ? later.front() : std::min(first, later.front());
+    const int learned = FirstLearned(number);
+    const int renamed = FirstRenamed(number);
+    return learned < 0 || renamed < 0 ? std::max(learned, renamed) : std::min(learned, renamed);
 }
 
 CellIndex::CellIndex()

@@ -13,6 +13,7 @@ namespace bscan::detail {
 // The cells of a cell table by one of their two names. It is learned at the first lookup and then
 // kept: every cell stands under each name that it has borne since, and a lookup drops those that no
 // longer bear the name. So the answer is always the lowest position that a walk would stop at.
+// Cells are not looked at: the column knows the name of each.
 class CellColumn {
 public:
     using Name = const char* (LBScanCell::*)() const;
@@ -29,19 +30,26 @@ private:
     struct Bearers {
         int first = -1;  // lowest of those learned; next_ leads on
         int last = -1;
-        std::vector<int> later;  // renamed since: a heap with the lowest position on top
+        int renamed = -1;  // where in renamed_ the others are
     };
+    // Cells that have got a name since: a heap with the lowest position on top.
+    using Positions = std::vector<int>;
 
     void Learn(const LBScanCell* cells, int count);
-    Bearers& Under(std::string_view name);
-    bool Bears(const LBScanCell& cell, std::string_view folded) const;
+    std::string_view Folded(std::string_view name);
+    // Lets a cell bear a name, and tells the number of the name.
+    int Bear(std::string_view name, int position);
+    int FirstLearned(int number);
+    int FirstRenamed(int number);
 
     Name name_;
     bool known_ = false;
-    std::size_t renamed_ = 0;  // since the column was learned; too many and it is learned anew
     NameTable names_;
-    std::vector<Bearers> bearers_;
-    std::vector<int> next_;
+    std::vector<Bearers> bearers_;   // by the number of the name
+    std::vector<int> name_numbers_;  // by position
+    std::vector<int> next_;          // by position: the next cell that was learned under the name
+    std::vector<Positions> renamed_;
+    std::size_t renamings_ = 0;  // since the column was learned; too many and it is learned anew
     std::string folded_;
 };
 

@@ -66,9 +66,10 @@ bool IsEmpty(const LObjList* cells) { return cells == nullptr || cells->GetCount
 int BScanPinMap::SetBit(int n, eSignal value) {
     if (n < 0 || n >= length_) return bscan::kFailed;
     const auto position = static_cast<unsigned>(n);
-    const auto mask = static_cast<unsigned char>(0x80U >> (position % 8));
+    const unsigned shift = 7 - position % 8;
     unsigned char& byte = bits_[position / 8];
-    byte = static_cast<unsigned char>(value == SIG_1 ? byte | mask : byte & ~mask);
+    const unsigned bit = value == SIG_1 ? 1 : 0;
+    byte = static_cast<unsigned char>((byte & ~(1U << shift)) | bit << shift);
     return bscan::kOk;
 }
 

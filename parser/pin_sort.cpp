@@ -29,6 +29,22 @@ std::uint64_t Key(const PIN_NAME& pin) {
     return key;
 }
 
+// Sorts by the bytes of the keys, from the lowest to the highest. Most bytes are the same in all
+// keys, and need nothing to be moved.
+void SortByKey(std::vector<Keyed>& keys) {
+    std::vector<Keyed> sorted(keys.size());
+    for (unsigned shift = 0; shift < 64; shift += 8) {
+        const auto byte = [shift](const Keyed& pin) { return pin.key >> shift & 0xFFU; };
+        std::size_t places[0x100] = {};
+        for (const Keyed& pin : keys) ++places[byte(pin)];
+        if (keys.empty() || places[byte(keys.front())] == keys.size()) continue;
+        std::size_t place = 0;
+        for (std::size_t& count : places) place += std::exchange(count, place);
+        for (const Keyed& pin : keys) sorted[places[byte(pin)]++] = pin;
+        keys.swap(sorted);
+    }
+}
+
 bool Equal(const PIN_NAME& left, const PIN_NAME& right) {
     return left.number == right.number && left.letters == right.letters;
 }
@@ -39,10 +55,16 @@ void SortPins(std::vector<PIN_NAME>& pins) {
     std::vector<Keyed> keys;
     keys.reserve(pins.size());
     for (std::size_t i = 0; i < pins.size(); ++i) keys.push_back({Key(pins[i]), i});
-    std::sort(keys.begin(), keys.end(), [&](const Keyed& left, const Keyed& right) {
-        if (left.key != right.key) return left.key < right.key;
+    SortByKey(keys);
+    // Pins whose letters differ behind those in the key.
+    const auto smaller = [&](const Keyed& left, const Keyed& right) {
         return pin_smaller(pins[left.pin], pins[right.pin]);
-    });
+    };
+    for (auto begin = keys.begin(), end = begin; begin != keys.end(); begin = end) {
+        end = std::find_if(begin, keys.end(),
+                           [&](const Keyed& pin) { return pin.key != begin->key; });
+        if (pins[begin->pin].letters.size() > kLettersInKey) std::sort(begin, end, smaller);
+    }
     std::vector<PIN_NAME> sorted;
     sorted.reserve(pins.size());
     for (const Keyed& next : keys) {
