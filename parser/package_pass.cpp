@@ -11,6 +11,7 @@
 #include "support/text_view.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace bscan::detail {
@@ -18,6 +19,22 @@ namespace {
 
 // The line that ends the search without a pin map.
 constexpr int kNoPinMapInFile = 1;
+
+// Splits a designator into its letters and the value of its digits; other characters do not count.
+PIN_NAME Split(std::string_view designator) {
+    const char* const begin = designator.data();
+    const char* const end = begin + designator.size();
+    const char* const digits = std::find_if_not(begin, end, IsLetter);
+    if (std::all_of(digits, end, IsDigit)) {
+        const auto number = DecimalValue({digits, static_cast<std::size_t>(end - digits)});
+        return {std::string(begin, digits), static_cast<unsigned short>(number)};
+    }
+    std::string letters;
+    std::string number;
+    std::copy_if(begin, end, std::back_inserter(letters), IsLetter);
+    std::copy_if(begin, end, std::back_inserter(number), IsDigit);
+    return {letters, static_cast<unsigned short>(DecimalValue(number))};
+}
 
 }  // namespace
 
@@ -61,19 +78,11 @@ int PackagePass::FindPinMap(std::string& first_line, std::string& statement) {
 // False when there is no pin, or the first one has no letter: then designators are numbers already.
 bool PackagePass::CollectPins(std::string_view value, std::vector<PIN_NAME>& pins) const {
     bool any = false;
-    std::string letters;
-    std::string digits;
     PinMapCutter cutter(value);
     for (PinMapEntry entry; cutter.Next(entry);) {
         for (std::string_view pin; TakePin(entry.pins, pin); any = true) {
             if (!any && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
-            digits.clear();
-            letters.clear();
-            for (const char c : pin) {
-                if (IsLetter(c)) letters.push_back(c);
-                if (IsDigit(c)) digits.push_back(c);
-            }
-            pins.push_back({letters, static_cast<unsigned short>(DecimalValue(digits))});
+            pins.push_back(Split(pin));
         }
     }
     return any;
