@@ -40,21 +40,23 @@ void CutBoundaryRegister(std::string_view text) {
     std::vector<RegisterEntry> entries;
     const bool good = CutRegister(text, entries);
     Require(!good || !entries.empty(), "a register has an entry");
-    const char* behind = text.data();
+    std::size_t behind = 0;
     for (const RegisterEntry& entry : entries) {
-        Require(IsWithin(entry.number, text) && entry.number.data() >= behind &&
-                    IsWithin(entry.columns, text),
+        Require(entry.number.begin >= behind && entry.number.begin <= entry.number.end &&
+                    entry.number.end <= entry.columns.begin &&
+                    entry.columns.begin <= entry.columns.end && entry.columns.end < text.size(),
                 "entries are in order");
-        behind = entry.columns.data() + entry.columns.size();
-        Require(*behind == ')', "an entry ends with its parenthesis");
-        Require(entry.remark.empty() || entry.remark.data() > behind, "a remark is behind");
+        behind = entry.columns.end;
+        Require(text[behind] == ')', "an entry ends with its parenthesis");
+        const std::string_view comment = entry.remark.In(text);
+        Require(comment.empty() || entry.remark.begin > behind, "a remark is behind");
         std::string remark;
-        AppendRemark(entry.remark, remark);
+        AppendRemark(comment, remark);
         Require(remark.find_first_of("- \t\r\n") == remark.npos, "a remark is one word");
         CellFields fields;
-        if (!CutRegisterEntry(entry, fields)) continue;
+        if (!CutRegisterEntry(text, entry, fields)) continue;
         for (const std::string_view field : {*fields.type, fields.port, *fields.function}) {
-            Require(IsWithin(field, entry.columns), "fields are of their entry");
+            Require(IsWithin(field, entry.columns.In(text)), "fields are of their entry");
         }
         Require(fields.safe == SIG_0 || fields.safe == SIG_1 || fields.safe == SIG_X, "safe value");
         Require(fields.disable_value == SIG_0 || fields.disable_value == SIG_1, "disable value");

@@ -30,8 +30,9 @@ int MainPass::RegisterCells(std::string_view value) {
     int result = kOk;
     for (auto entry = entries.begin(); result == kOk && entry != entries.end(); ++entry) {
         CellFields fields;
-        result = CutRegisterEntry(*entry, fields) ? RegisterCell(fields, entry->remark)
-                                                  : static_cast<int>(kBadValue);
+        result = CutRegisterEntry(value, *entry, fields)
+                     ? RegisterCell(fields, entry->remark.In(value))
+                     : static_cast<int>(kBadValue);
     }
     // The pairs are completed from the cells that there are, even after a failure.
     CompletePairs();

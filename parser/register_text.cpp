@@ -64,7 +64,7 @@ public:
     // False when something is no entry.
     bool CutAll(std::vector<RegisterEntry>& entries) {
         // A remark in front of the first entry belongs to none.
-        std::string_view no_remark;
+        Span no_remark;
         CutRemarks(no_remark);
         while (at_ < value_.size()) {
             RegisterEntry entry;
@@ -85,22 +85,26 @@ public:
 private:
     enum class Cut { kEntry, kEnd, kError };
 
+    static Span Between(std::size_t begin, std::size_t end) {
+        return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)};
+    }
+
     char Next() const { return at_ < value_.size() ? value_[at_] : '\0'; }
 
     // Skips remarks, each from the dash that begins it to its '*', and keeps the last. One without
     // '*' is dropped, with all that follows.
-    void CutRemarks(std::string_view& remark) {
+    void CutRemarks(Span& remark) {
         for (;;) {
             while (IsBlank(Next()) || Next() == '"') ++at_;
             if (Next() != '-') return;
-            const std::string_view text = value_.substr(at_ + 1);
-            const std::size_t end = Find(text, '*');
-            if (end == std::string_view::npos) {
+            const std::size_t begin = at_ + 1;
+            const std::size_t length = Find(value_.substr(begin), '*');
+            if (length == std::string_view::npos) {
                 at_ = value_.size();
                 return;
             }
-            remark = text.substr(0, end);
-            at_ += end + 2;
+            remark = Between(begin, begin + length);
+            at_ = remark.end + 1;
         }
     }
 
@@ -119,8 +123,8 @@ private:
             depth += value_[at_] == '(' ? 1 : -1;
             if (depth < 0) return Cut::kError;
         } while (depth > 0);
-        entry.number = {value_.data() + begin, opening - begin};
-        entry.columns = {value_.data() + opening + 1, at_ - opening - 1};
+        entry.number = Between(begin, opening);
+        entry.columns = Between(opening + 1, at_);
         ++at_;
         while (IsBlank(Next())) ++at_;
         if (at_ == value_.size()) return Cut::kEntry;
@@ -144,13 +148,13 @@ void AppendRemark(std::string_view remark, std::string& text) {
     }
 }
 
-bool CutRegisterEntry(const RegisterEntry& entry, CellFields& fields) {
+bool CutRegisterEntry(std::string_view value, const RegisterEntry& entry, CellFields& fields) {
     // The columns are: type, port, function, safe value, control cell, disable value, disable
     // result. The last three may be missing, as may be all in front of the safe value.
     constexpr std::size_t kSafe = 3;
-    const Columns columns(entry.columns);
+    const Columns columns(entry.columns.In(value));
     const std::size_t last = columns.Last();
-    fields.number = DecimalValue(entry.number);
+    fields.number = DecimalValue(entry.number.In(value));
     fields.type = last > 0 ? columns[0] : std::string_view();
     if (last > 1) CutPort(columns[1], fields);
     fields.function = last > 2 ? columns[2] : std::string_view();

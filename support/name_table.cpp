@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <bit>
 #include <chrono>
-#include <functional>
+#include <cstring>
+#include <utility>
 
 namespace bscan::detail {
 namespace {
@@ -29,83 +30,88 @@ std::uint64_t MakeSeed() {
 
 const std::uint64_t kSeed = MakeSeed();
 
-std::uint32_t HashOf(std::uint64_t mixed) {
-    return static_cast<std::uint32_t>(mixed ^ (mixed >> 32));
-}
-
 constexpr std::size_t kShort = sizeof(std::uint64_t);
 
-std::uint32_t HashLong(std::string_view name) {
+// The part of a key that tells lengths up to kShort apart.
+constexpr std::uint32_t kLengthBits = 4;
+constexpr std::uint32_t kLongLength = kShort + 1;
+
+std::uint32_t KeyOf(std::uint64_t hash, std::size_t length) {
+    const auto shown = static_cast<std::uint32_t>(std::min<std::size_t>(length, kLongLength));
+    return static_cast<std::uint32_t>(hash ^ (hash >> 32)) << kLengthBits | shown;
+}
+
+std::uint64_t HashLong(std::string_view name) {
     std::uint64_t hash = kSeed ^ name.size();
     for (; name.size() > kShort; name.remove_prefix(kShort)) {
         hash = Mix(hash ^ LoadWord(name.data()), kFirst);
     }
-    return HashOf(Mix(hash ^ ShortWord(name), kSecond));
+    return Mix(hash ^ ShortWord(name), kSecond);
 }
 
 }  // namespace
 
-// What is stored of a name, except for where its text starts.
-NameTable::Entry NameTable::EntryOf(std::string_view name) {
-    const auto length = static_cast<std::uint32_t>(name.size());
-    if (length > kShort) return {0, length, HashLong(name)};
+// What a name's slot holds, except for the number and the place of a long name.
+NameTable::Slot NameTable::SlotFor(std::string_view name) {
+    if (name.size() > kShort) return {0, KeyOf(HashLong(name), name.size()), 0};
     const std::uint64_t word = ShortWord(name);
-    return {word, length, HashOf(Mix(word ^ kSeed, kSecond ^ length))};
+    return {word, KeyOf(Mix(word ^ kSeed, kSecond ^ name.size()), name.size()), 0};
 }
 
-// The slot of a name, or the free one that it would take.
-std::size_t NameTable::Slot(const Entry& sought, std::string_view name) const {
+std::string_view NameTable::LongName(const Slot& slot) const {
+    std::size_t length = 0;
+    std::memcpy(&length, long_names_.data() + slot.word, sizeof length);
+    return {long_names_.data() + slot.word + sizeof length, length};
+}
+
+std::size_t NameTable::Place(const Slot& sought, std::string_view name) const {
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t slot = sought.hash & mask;; slot = (slot + 1) & mask) {
-        if (slots_[slot] == 0) return slot;
-        const Entry& entry = entries_[slots_[slot] - 1];
-        if (entry.hash != sought.hash || entry.length != sought.length) continue;
-        if (entry.length <= kShort) {
-            if (entry.word == sought.word) return slot;
-        } else if (EqualWords(name, {text_.data() + entry.word, entry.length}, std::identity())) {
-            return slot;
-        }
+    for (std::size_t place = sought.key >> kLengthBits & mask;; place = (place + 1) & mask) {
+        const Slot& slot = slots_[place];
+        if (slot.number == 0) return place;
+        if (slot.key != sought.key) continue;
+        if (name.size() <= kShort ? slot.word == sought.word : LongName(slot) == name) return place;
     }
 }
 
 int NameTable::Find(std::string_view name) const {
     if (slots_.empty()) return kNone;
-    return static_cast<int>(slots_[Slot(EntryOf(name), name)]) - 1;
+    return static_cast<int>(slots_[Place(SlotFor(name), name)].number) - 1;
 }
 
 int NameTable::Add(std::string_view name) {
-    // At most half of the slots are taken.
-    if ((entries_.size() + 1) * 2 > slots_.size()) {
-        Rehash(std::max<std::size_t>(slots_.size() * 2, 16));
-    }
-    Entry entry = EntryOf(name);
-    std::uint32_t& slot = slots_[Slot(entry, name)];
-    if (slot == 0) {
-        if (entry.length > kShort) {
-            entry.word = text_.size();
-            text_.append(name);
+    if ((count_ + std::size_t{1}) * 2 > slots_.size()) Resize(slots_.size() * 2);
+    Slot added = SlotFor(name);
+    Slot& slot = slots_[Place(added, name)];
+    if (slot.number == 0) {
+        if (name.size() > kShort) {
+            const std::size_t length = name.size();
+            char bytes[sizeof length];
+            std::memcpy(bytes, &length, sizeof length);
+            added.word = long_names_.size();
+            long_names_.append(bytes, sizeof bytes).append(name);
         }
-        entries_.push_back(entry);
-        slot = static_cast<std::uint32_t>(entries_.size());
+        added.number = ++count_;
+        slot = added;
     }
-    return static_cast<int>(slot) - 1;
+    return static_cast<int>(slot.number) - 1;
 }
 
 void NameTable::Clear() { *this = NameTable(); }
 
 void NameTable::Reserve(std::size_t count) {
-    entries_.reserve(count);
-    const std::size_t slot_count = std::bit_ceil(std::max<std::size_t>(count * 2, 16));
-    if (slot_count > slots_.size()) Rehash(slot_count);
+    if (count * 2 > slots_.size()) Resize(std::bit_ceil(count * 2));
 }
 
-void NameTable::Rehash(std::size_t slot_count) {
-    std::vector<std::uint32_t> slots(slot_count);
+void NameTable::Resize(std::size_t slot_count) {
+    constexpr std::size_t kFewest = 16;
+    std::vector<Slot> slots(std::max(slot_count, kFewest));
     const std::size_t mask = slots.size() - 1;
-    for (std::uint32_t number = 0; number < entries_.size(); ++number) {
-        std::size_t slot = entries_[number].hash & mask;
-        while (slots[slot] != 0) slot = (slot + 1) & mask;
-        slots[slot] = number + 1;
+    for (const Slot& slot : slots_) {
+        if (slot.number == 0) continue;
+        std::size_t place = slot.key >> kLengthBits & mask;
+        while (slots[place].number != 0) place = (place + 1) & mask;
+        slots[place] = slot;
     }
     slots_ = std::move(slots);
 }

@@ -9,8 +9,8 @@
 namespace bscan::detail {
 
 // A set of names in which each has a number, from 0 in the order of their coming. The names are
-// copied into one text, so adding one costs no allocation of its own. The hash is seeded anew in
-// each process: a file cannot be written so that its names collide.
+// copied, without an allocation for each. The hash is seeded anew in each process: a file cannot be
+// written so that its names collide.
 class NameTable {
 public:
     static constexpr int kNone = -1;
@@ -21,24 +21,27 @@ public:
     int Add(std::string_view name);
     // Makes room for so many names in all.
     void Reserve(std::size_t count);
-    int Count() const { return static_cast<int>(entries_.size()); }
+    int Count() const { return static_cast<int>(count_); }
     void Clear();
 
 private:
-    // Up to eight characters are kept in the entry itself, as a number.
-    struct Entry {
-        std::uint64_t word;  // or where the name starts in `text_`
-        std::uint32_t length;
-        std::uint32_t hash;
+    // All that most searches have to look at is one slot: up to eight characters of a name are kept
+    // in it, as a number.
+    struct Slot {
+        std::uint64_t word = 0;    // or where the name starts in `long_names_`
+        std::uint32_t key = 0;     // the hash; its lowest bits tell the length
+        std::uint32_t number = 0;  // counted from 1; 0 in a free slot
     };
 
-    static Entry EntryOf(std::string_view name);
-    std::size_t Slot(const Entry& sought, std::string_view name) const;
-    void Rehash(std::size_t slot_count);
+    static Slot SlotFor(std::string_view name);
+    // Where a name is, or the free place that it would take.
+    std::size_t Place(const Slot& sought, std::string_view name) const;
+    std::string_view LongName(const Slot& slot) const;
+    void Resize(std::size_t slot_count);
 
-    std::string text_;  // the longer names
-    std::vector<Entry> entries_;
-    std::vector<std::uint32_t> slots_;  // number + 1 of the entry; 0 for none; a power of two long
+    std::vector<Slot> slots_;  // a power of two long, or empty; at most half of them are taken
+    std::uint32_t count_ = 0;
+    std::string long_names_;  // each behind its length
 };
 
 }  // namespace bscan::detail
