@@ -183,9 +183,8 @@ LPinNode* PortIndex::NthNamed(std::string_view name, int k) {
     }
     for (int position = 0; position < Count(); ++position) {
         LPinNode* const node = Node(position);
-        if (node == nullptr || !node->port_name_.IsSet() || node->port_name_.View() != name)
-            continue;
-        if (k-- == 0) return node;
+        if (node == nullptr || !node->port_name_.IsSet()) continue;
+        if (node->port_name_.View() == name && k-- == 0) return node;
     }
     return nullptr;
 }

@@ -24,23 +24,25 @@ public:
     // All that an entry may have; what stands behind that many commas is one text.
     static constexpr std::size_t kMost = 7;
 
-    explicit Columns(std::string_view text) {
+    explicit Columns(std::string_view text) : text_(text.data()) {
         Marks<','> commas(text);
-        std::size_t begin = 0;
-        for (; last_ < kMost - 1; ++last_) {
+        for (begins_[0] = 0; last_ < kMost - 1; ++last_) {
             const std::size_t comma = commas.Next();
             if (comma == commas.kNone) break;
-            texts_[last_] = Trim({text.data() + begin, comma - begin});
-            begin = comma + 1;
+            begins_[last_ + 1] = comma + 1;
         }
-        texts_[last_] = Trim({text.data() + begin, text.size() - begin});
+        begins_[last_ + 1] = text.size() + 1;
     }
 
     std::size_t Last() const { return last_; }
-    std::string_view operator[](std::size_t column) const { return texts_[column]; }
+    std::string_view operator[](std::size_t column) const {
+        const std::size_t begin = begins_[column];
+        return Trim({text_ + begin, begins_[column + 1] - 1 - begin});
+    }
 
 private:
-    std::string_view texts_[kMost];
+    const char* text_;
+    std::size_t begins_[kMost + 1];  // those behind the last column are not set
     std::size_t last_ = 0;
 };
 

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <new>
 
 class LObject;
 
@@ -34,10 +37,11 @@ public:
     void clear() { size_ = 0; }
 
 private:
-    static constexpr std::size_t kInPlace = 3;
+    static constexpr std::uint32_t kInPlace = 3;
 
     void Grow() {
-        auto** const objects = new LObject*[capacity_ * 2];
+        if (capacity_ > std::numeric_limits<std::uint32_t>::max() / 2) throw std::bad_alloc();
+        auto** const objects = new LObject*[std::size_t{capacity_} * 2];
         std::copy(begin(), end(), objects);
         Release();
         objects_ = objects;
@@ -49,8 +53,8 @@ private:
     }
 
     LObject** objects_ = in_place_;
-    std::size_t size_ = 0;
-    std::size_t capacity_ = kInPlace;
+    std::uint32_t size_ = 0;
+    std::uint32_t capacity_ = kInPlace;
     LObject* in_place_[kInPlace] = {};
 };
 
