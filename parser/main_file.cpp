@@ -11,8 +11,9 @@ FILE* fptrBSDL = nullptr;
 namespace bscan::detail {
 
 bool OpenMainFile(const char* path) {
+    static char buffer[kFileBufferSize];
     CloseMainFile();
-    fptrBSDL = OpenForReading(path).release();
+    fptrBSDL = OpenForReading(path, buffer).release();
     return fptrBSDL != nullptr;
 }
 

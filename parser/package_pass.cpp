@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 namespace bscan::detail {
@@ -39,7 +40,8 @@ PIN_NAME Split(std::string_view designator) {
 }  // namespace
 
 int ReadPackage(BScanParser& parser, const char* path) {
-    const FilePointer file = OpenForReading(path);
+    const auto buffer = std::make_unique_for_overwrite<char[]>(kFileBufferSize);
+    const FilePointer file = OpenForReading(path, {buffer.get(), kFileBufferSize});
     return file == nullptr ? static_cast<int>(kCannotOpen) : PackagePass(parser, file.get()).Read();
 }
 

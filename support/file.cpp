@@ -6,7 +6,7 @@
 
 namespace bscan::detail {
 
-FilePointer OpenForReading(const char* path) {
+FilePointer OpenForReading(const char* path, std::span<char> buffer) {
     if (path == nullptr || *path == '\0') return nullptr;
     // Without O_NONBLOCK, a pipe that nobody writes to would already block here.
     const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -19,10 +19,7 @@ FilePointer OpenForReading(const char* path) {
         close(descriptor);
         return nullptr;
     }
-    // The default buffer costs a call of the system for every page. It stays when there is no
-    // memory for another one.
-    constexpr std::size_t kBufferSize = 1U << 15;
-    std::setvbuf(file, nullptr, _IOFBF, kBufferSize);
+    if (!buffer.empty()) std::setvbuf(file, buffer.data(), _IOFBF, buffer.size());
     return FilePointer(file);
 }
 

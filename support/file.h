@@ -1,8 +1,10 @@
 // Opening files for reading.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <span>
 
 namespace bscan::detail {
 
@@ -11,9 +13,13 @@ struct FileCloser {
 };
 using FilePointer = std::unique_ptr<FILE, FileCloser>;
 
+// The buffer that a stream has by itself costs a call of the system for each 4 KiB.
+inline constexpr std::size_t kFileBufferSize = std::size_t{1} << 15;
+
 // Opens a regular file, or a directory (which then fails to be read). Pipes, sockets and devices
-// are not opened: they could block or never end. Null for a null or empty path, too.
-FilePointer OpenForReading(const char* path);
+// are not opened: they could block or never end. Null for a null or empty path, too. A buffer is
+// used until the file is closed.
+FilePointer OpenForReading(const char* path, std::span<char> buffer = {});
 
 // Whether a directory exists and may be entered.
 bool IsEnterableDirectory(const char* path);

@@ -41,7 +41,7 @@ public:
         }
         // The text may be a part of this one.
         char bytes[sizeof bytes_] = {};
-        if (!text.empty()) std::memcpy(bytes, text.data(), text.size());
+        CopyInPlace(text, bytes);
         Release();
         std::memcpy(bytes_, bytes, sizeof bytes);
     }
@@ -58,6 +58,20 @@ private:
     // The last byte: 0 behind a text in place.
     static constexpr char kOutside = 1;
     static constexpr char kNone = 2;
+
+    // Copies in pieces of a fixed size, which may overlap.
+    static void CopyInPlace(std::string_view text, char* to) {
+        if (text.size() >= 8) return CopyEnds<8>(text, to);
+        if (text.size() >= 4) return CopyEnds<4>(text, to);
+        for (std::size_t i = 0; i < text.size(); ++i) to[i] = text[i];
+    }
+
+    template <std::size_t kPiece>
+    static void CopyEnds(std::string_view text, char* to) {
+        const std::size_t last = text.size() - kPiece;
+        std::memcpy(to, text.data(), kPiece);
+        std::memcpy(to + last, text.data() + last, kPiece);
+    }
 
     char Tag() const { return bytes_[kInPlace]; }
 
