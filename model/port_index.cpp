@@ -224,11 +224,11 @@ LPinNode* PortIndex::WithPinName(std::string_view name) {
 
 void PortIndex::LearnPinNumbers() {
     if (pin_numbers_known_) return;
-    first_with_number_.assign(static_cast<std::size_t>(Count()) + 1, -1);
+    first_with_number_.assign(static_cast<std::size_t>(Count()) + 1, nullptr);
     for (int position = Count() - 1; position >= 0; --position) {
-        const LPinNode* const node = Node(position);
+        LPinNode* const node = Node(position);
         if (node == nullptr || node->pin_number_ < 1 || node->pin_number_ > Count()) continue;
-        first_with_number_[static_cast<std::size_t>(node->pin_number_)] = position;
+        first_with_number_[static_cast<std::size_t>(node->pin_number_)] = node;
     }
     pin_numbers_known_ = true;
 }
@@ -238,8 +238,7 @@ LPinNode* PortIndex::WithPinNumber(int number) {
     if (indexed_ == Count()) {
         try {
             LearnPinNumbers();
-            const int position = first_with_number_[static_cast<std::size_t>(number)];
-            return position < 0 ? nullptr : Node(position);
+            return first_with_number_[static_cast<std::size_t>(number)];
         } catch (...) {  // NOLINT(bugprone-empty-catch): the walk below needs no memory
         }
     }

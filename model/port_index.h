@@ -107,7 +107,7 @@ private:
     bool pin_names_known_ = false;
     Positions exposed_pin_names_;
 
-    std::vector<int> first_with_number_;
+    std::vector<LPinNode*> first_with_number_;
     bool pin_numbers_known_ = false;
 };
 
