@@ -72,7 +72,7 @@ TEST(LetterCase, IsIgnoredForLettersAlone) {
             const char left = static_cast<char>(a);
             const char right = static_cast<char>(b);
             const bool equal = Upper(left) == Upper(right);
-            for (const std::size_t length : {1, 3, 6, 8, 13}) {
+            for (const std::size_t length : {1U, 3U, 6U, 8U, 13U}) {
                 std::string one(length, 'x');
                 std::string other(length, 'X');
                 one[length / 2] = left;
@@ -137,7 +137,7 @@ TEST(Names, AreKeptWhateverTheirLength) {
     EXPECT_FALSE(name.IsSet());
     EXPECT_EQ(name.Text(), nullptr);
     EXPECT_EQ(name.View(), "");
-    for (const std::size_t length : {3, 15, 16, 40, 14, 0, 17, 1}) {
+    for (const std::size_t length : {3U, 15U, 16U, 40U, 14U, 0U, 17U, 1U}) {
         const std::string text(length, 'n');
         name.Assign(text);
         EXPECT_EQ(name.View(), text);
