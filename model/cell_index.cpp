@@ -10,7 +10,7 @@
 namespace bscan::detail {
 namespace {
 
-int Walk(CellColumn::Name name, std::string_view sought, const LBScanCell* cells, int count) {
+int Walk(CellColumn::Getter name, std::string_view sought, const LBScanCell* cells, int count) {
     for (int position = 0; position < count; ++position) {
         if (EqualIgnoringCase((cells[position].*name)(), sought)) return position;
     }
@@ -55,7 +55,7 @@ void CellColumn::Forget() {
     bearers_.clear();
     name_numbers_.clear();
     next_.clear();
-    renamed_.clear();
+    heaps_.clear();
     renamings_ = 0;
 }
 
@@ -64,14 +64,14 @@ void CellColumn::Renamed(const LBScanCell* cells, int position) noexcept {
     if (++renamings_ > 4 * next_.size()) return Forget();
     try {
         const int number = Bear((cells[position].*name_)(), position);
-        int& renamed = bearers_[static_cast<std::size_t>(number)].renamed;
-        if (renamed < 0) {
-            renamed_.emplace_back();
-            renamed = static_cast<int>(renamed_.size()) - 1;
+        int& number_of_heap = bearers_[static_cast<std::size_t>(number)].heap;
+        if (number_of_heap < 0) {
+            heaps_.emplace_back();
+            number_of_heap = static_cast<int>(heaps_.size()) - 1;
         }
-        Positions& positions = renamed_[static_cast<std::size_t>(renamed)];
-        positions.push_back(position);
-        std::push_heap(positions.begin(), positions.end(), std::greater<>());
+        Heap& heap = heaps_[static_cast<std::size_t>(number_of_heap)];
+        heap.push_back(position);
+        std::push_heap(heap.begin(), heap.end(), std::greater<>());
     } catch (...) {
         Forget();
     }
@@ -88,15 +88,13 @@ int CellColumn::FirstLearned(int number) {
 
 // The lowest of the cells that have got a name since and still bear it; -1 without one.
 int CellColumn::FirstRenamed(int number) {
-    const int renamed = bearers_[static_cast<std::size_t>(number)].renamed;
-    if (renamed < 0) return -1;
-    Positions& positions = renamed_[static_cast<std::size_t>(renamed)];
-    while (!positions.empty()) {
-        if (name_numbers_[static_cast<std::size_t>(positions.front())] == number) {
-            return positions.front();
-        }
-        std::pop_heap(positions.begin(), positions.end(), std::greater<>());
-        positions.pop_back();
+    const int number_of_heap = bearers_[static_cast<std::size_t>(number)].heap;
+    if (number_of_heap < 0) return -1;
+    Heap& heap = heaps_[static_cast<std::size_t>(number_of_heap)];
+    while (!heap.empty()) {
+        if (name_numbers_[static_cast<std::size_t>(heap.front())] == number) return heap.front();
+        std::pop_heap(heap.begin(), heap.end(), std::greater<>());
+        heap.pop_back();
     }
     return -1;
 }

@@ -13,12 +13,12 @@ namespace bscan::detail {
 // The cells of a cell table by one of their two names. It is learned at the first lookup and then
 // kept: every cell stands under each name that it has borne since, and a lookup drops those that no
 // longer bear the name. So the answer is always the lowest position that a walk would stop at.
-// Cells are not looked at: the column knows the name of each.
+// A lookup looks at no cell: the column knows the name of each.
 class CellColumn {
 public:
-    using Name = const char* (LBScanCell::*)() const;
+    using Getter = const char* (LBScanCell::*)() const;
 
-    explicit CellColumn(Name name) : name_(name) {}
+    explicit CellColumn(Getter name) : name_(name) {}
 
     // The lowest position of a cell that bears a name, letter case ignored; -1 without one.
     int First(std::string_view name, const LBScanCell* cells, int count);
@@ -30,10 +30,9 @@ private:
     struct Bearers {
         int first = -1;  // lowest of those learned; next_ leads on
         int last = -1;
-        int renamed = -1;  // where in renamed_ the others are
+        int heap = -1;  // of those that got the name since; -1 without any
     };
-    // Cells that have got a name since: a heap with the lowest position on top.
-    using Positions = std::vector<int>;
+    using Heap = std::vector<int>;  // the lowest position on top
 
     void Learn(const LBScanCell* cells, int count);
     std::string_view Folded(std::string_view name);
@@ -42,13 +41,13 @@ private:
     int FirstLearned(int number);
     int FirstRenamed(int number);
 
-    Name name_;
+    Getter name_;
     bool known_ = false;
     NameTable names_;
     std::vector<Bearers> bearers_;   // by the number of the name
     std::vector<int> name_numbers_;  // by position
     std::vector<int> next_;          // by position: the next cell that was learned under the name
-    std::vector<Positions> renamed_;
+    std::vector<Heap> heaps_;
     std::size_t renamings_ = 0;  // since the column was learned; too many and it is learned anew
     std::string folded_;
 };

@@ -4,7 +4,6 @@
 
 #include "support/keyword.h"
 #include "support/list_access.h"
-#include "support/text_view.h"
 
 namespace bscan::detail {
 namespace {

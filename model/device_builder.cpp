@@ -6,10 +6,11 @@
 #include "model/cell_roles.h"
 #include "model/device_index.h"
 #include "support/list_access.h"
-#include "support/text_view.h"
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
+#include <string>
 #include <utility>
 
 namespace bscan::detail {
@@ -114,18 +115,23 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
                                ? nullptr
                                : device_.index_->ports.FirstNamed(fields.port, fields.port_index);
     LBScanCell& cell = device_.cells_[static_cast<std::size_t>(fields.number)];
+    // What may need memory comes first.
+    Name pin_name;
+    Name original_name;
+    if (fields.port_index == 0) {
+        pin_name.Assign(fields.port);
+    } else {
+        pin_name.Assign(Subscripted(fields.port, fields.port_index));
+    }
+    if (fields.original_name) original_name.Assign(*fields.original_name);
     cell.position_ = fields.number;
     if (fields.type) cell.type_ = CellTypeFromText(*fields.type);
     cell.node_ = node;
     if (fields.function) cell.function_ = FunctionFromText(*fields.function, cell.function_);
     cell.safeValue = fields.safe;
     cell.cellValue = fields.value;
-    if (fields.original_name) cell.original_pin_name_.Assign(*fields.original_name);
-    if (fields.port_index == 0) {
-        cell.pin_name_.Assign(fields.port);
-    } else {
-        cell.pin_name_.Assign(Subscripted(fields.port, fields.port_index));
-    }
+    cell.pin_name_.Swap(pin_name);
+    if (fields.original_name) cell.original_pin_name_.Swap(original_name);
     cell.NamesSet();
     if (fields.control >= 0) {
         cell.control_ = &device_.cells_[static_cast<std::size_t>(fields.control)];
@@ -138,8 +144,12 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
 }
 
 void DeviceBuilder::NameCell(LBScanCell& cell, const char* name) {
-    cell.pin_name_.Assign(name);
-    cell.original_pin_name_.Assign(name);
+    Name pin_name;
+    Name original_name;
+    pin_name.Assign(name);
+    original_name.Assign(name);
+    cell.pin_name_.Swap(pin_name);
+    cell.original_pin_name_.Swap(original_name);
     cell.NamesSet();
 }
 

@@ -3,26 +3,13 @@
 
 #include <bscan/device_pin_map.h>
 
+#include "model/cell_fields.h"
+
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
 namespace bscan::detail {
-
-// One entry of the boundary register.
-struct CellFields {
-    int number = 0;
-    std::optional<std::string_view> type;  // none keeps the cell's type
-    std::string_view port;                 // in upper case; empty for none
-    int port_index = 0;
-    std::optional<std::string_view> function;  // none keeps the cell's function
-    eSignal safe = SIG_X;
-    int control = -1;  // negative for none
-    eSignal disable_value = SIG_0;
-    eSignal disable_result = SIG_Z;
-    eSignal value = SIG_X;
-    std::optional<std::string_view> original_name;  // none keeps the cell's second name
-};
 
 // Its operations throw when memory is exhausted; the device is sound then, and holds what it held.
 class DeviceBuilder {

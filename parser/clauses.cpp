@@ -48,7 +48,7 @@ int MainPass::ReadPort(std::string& statement) {
     end.BeginWith(first);
     while (result == kOk && !end.IsReached()) {
         std::string_view declaration;
-        result = reader_.NextStatement(Terminator::AnyOf(";"), statement, declaration);
+        result = reader_.NextStatement(Terminator::Text(";"), statement, declaration);
         if (result != kOk || PortClauseEnd::IsEndLine(declaration)) return result;
         end.GoOnWith(declaration);
         result = CreatePort(declaration);

@@ -10,7 +10,8 @@
 
 namespace bscan::detail {
 
-// Finds a designator's number as a walk over the package's pins would.
+// Finds a designator's number as a walk over the package's pins would. The package pass adds each
+// pin once, a host may add it again.
 class DesignatorIndex {
 public:
     explicit DesignatorIndex(const PackagePinMap& package);

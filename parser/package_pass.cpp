@@ -21,7 +21,8 @@ namespace {
 // The line that ends the search without a pin map.
 constexpr int kNoPinMapInFile = 1;
 
-// Splits a designator into its letters and the value of its digits; other characters do not count.
+// Splits a designator into its letters and the value of its digits, wherever they stand; other
+// characters do not count. In most designators the digits follow the letters.
 PIN_NAME Split(std::string_view designator) {
     const char* const begin = designator.data();
     const char* const end = begin + designator.size();

@@ -48,7 +48,7 @@ private:
 
 void CutPort(std::string_view column, CellFields& fields) {
     std::size_t opening = column.size();
-    // Names are shorter than what Find is made for.
+    // One walk for both characters.
     for (std::size_t at = column.size(); at > 0; --at) {
         if (column[at - 1] == '*') return;
         if (column[at - 1] == '(') opening = at - 1;
@@ -110,9 +110,9 @@ private:
         }
     }
 
-    // Cuts from any character, which is never taken as a parenthesis that has to be closed, through
-    // the parenthesis that closes the entry's first one, and the comma behind it. An entry without
-    // end is dropped.
+    // Cuts through the parenthesis that closes the entry's first one, and the comma behind it. The
+    // first character may be anything: a '(' there begins the columns, but need not be closed. An
+    // entry without end is dropped.
     Cut CutEntry(RegisterEntry& entry) {
         const std::size_t begin = at_;
         std::size_t opening = value_[begin] == '(' ? begin : parentheses_.kNone;

@@ -1,7 +1,7 @@
 // The text of the boundary register.
 #pragma once
 
-#include "model/device_builder.h"
+#include "model/cell_fields.h"
 
 #include <cstdint>
 #include <string>
@@ -31,8 +31,9 @@ struct RegisterEntry {
 // that is no entry, or none at all.
 bool CutRegister(std::string_view value, std::vector<RegisterEntry>& entries);
 
-// Reads an entry, but for its remark; false when a value is none that its column may hold. The port
-// is spelled as in the entry, and without its subscript.
+// Reads an entry, but for its remark, into fresh fields: what has no column stays as it is. False
+// when a value is none that its column may hold. The port is spelled as in the entry, and without
+// its subscript.
 bool CutRegisterEntry(std::string_view value, const RegisterEntry& entry, CellFields& fields);
 
 // Leaves out the dashes and the white space of a remark.

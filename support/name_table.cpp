@@ -21,15 +21,6 @@ std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
 constexpr std::uint64_t kFirst = 0x9e3779b97f4a7c15U;
 constexpr std::uint64_t kSecond = 0xd1b54a32d192ed03U;
 
-std::uint64_t MakeSeed() {
-    static const char place = 0;  // its address differs from process to process
-    const auto time = std::chrono::steady_clock::now().time_since_epoch().count();
-    const auto address = reinterpret_cast<std::uintptr_t>(&place);
-    return Mix(static_cast<std::uint64_t>(time) ^ kFirst, address ^ kSecond);
-}
-
-const std::uint64_t kSeed = MakeSeed();
-
 constexpr std::size_t kShort = sizeof(std::uint64_t);
 
 // The part of a key that tells lengths up to kShort apart.
@@ -41,8 +32,8 @@ std::uint32_t KeyOf(std::uint64_t hash, std::size_t length) {
     return static_cast<std::uint32_t>(hash ^ (hash >> 32)) << kLengthBits | shown;
 }
 
-std::uint64_t HashLong(std::string_view name) {
-    std::uint64_t hash = kSeed ^ name.size();
+std::uint64_t HashLong(std::string_view name, std::uint64_t seed) {
+    std::uint64_t hash = seed ^ name.size();
     for (; name.size() > kShort; name.remove_prefix(kShort)) {
         hash = Mix(hash ^ LoadWord(name.data()), kFirst);
     }
@@ -51,11 +42,21 @@ std::uint64_t HashLong(std::string_view name) {
 
 }  // namespace
 
+std::uint64_t NameTable::Seed() {
+    static const std::uint64_t seed = [] {
+        static const char place = 0;  // its address differs from process to process
+        const auto time = std::chrono::steady_clock::now().time_since_epoch().count();
+        const auto address = reinterpret_cast<std::uintptr_t>(&place);
+        return Mix(static_cast<std::uint64_t>(time) ^ kFirst, address ^ kSecond);
+    }();
+    return seed;
+}
+
 // What a name's slot holds, except for the number and the place of a long name.
-NameTable::Slot NameTable::SlotFor(std::string_view name) {
-    if (name.size() > kShort) return {0, KeyOf(HashLong(name), name.size()), 0};
+NameTable::Slot NameTable::SlotFor(std::string_view name) const {
+    if (name.size() > kShort) return {0, KeyOf(HashLong(name, seed_), name.size()), 0};
     const std::uint64_t word = ShortWord(name);
-    return {word, KeyOf(Mix(word ^ kSeed, kSecond ^ name.size()), name.size()), 0};
+    return {word, KeyOf(Mix(word ^ seed_, kSecond ^ name.size()), name.size()), 0};
 }
 
 std::string_view NameTable::LongName(const Slot& slot) const {

@@ -33,12 +33,15 @@ private:
         std::uint32_t number = 0;  // counted from 1; 0 in a free slot
     };
 
-    static Slot SlotFor(std::string_view name);
+    Slot SlotFor(std::string_view name) const;
     // Where a name is, or the free place that it would take.
     std::size_t Place(const Slot& sought, std::string_view name) const;
     std::string_view LongName(const Slot& slot) const;
     void Resize(std::size_t slot_count);
 
+    static std::uint64_t Seed();
+
+    std::uint64_t seed_ = Seed();
     std::vector<Slot> slots_;  // a power of two long, or empty; at most half of them are taken
     std::uint32_t count_ = 0;
     std::string long_names_;  // each behind its length

@@ -88,7 +88,7 @@ public:
         return place;
     }
 
-    // Goes on behind, to a position that is not before the last place.
+    // Continues from a position, which must not lie before the last place given.
     void SkipTo(std::size_t position) {
         if (position - window_ < kWindow) {
             places_ &= ~std::uint64_t{0} << (position - window_);

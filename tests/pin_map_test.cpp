@@ -54,6 +54,7 @@ TEST(PackagePass, NumbersLetteredPins) {
         {"TDI : 1, TDO : A2", "none"},
         {"A : B2, C : 7, D : (2, AB2)", "pkg: 7 2 B2 AB2"},
         {"A : (A1, B1, A1)", "pkg: A1 B1"},
+        {"A : (ABCDEG1, ABCDEF1, ABCDEG1)", "pkg: ABCDEF1 ABCDEG1"},
         {"A : (a01, A1, 1A, A-1)", "pkg: A1 a1"},
         {"A : (A65537, A65535, B99999999999999999999)", "pkg: A65535 B65535 A1"},
         {"D : (A1, A2", "pkg: A2 A1"},

@@ -12,7 +12,7 @@ class LObject;
 
 namespace bscan::detail {
 
-// Pointers in their order. The first three, which is all that most ports have of cells, are kept in
+// Pointers in their order. Up to three, which is all that most ports have of cells, are kept in
 // place.
 class ObjectPointers {
 public:
