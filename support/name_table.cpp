@@ -32,6 +32,9 @@ std::uint32_t KeyOf(std::uint64_t hash, std::size_t length) {
     return static_cast<std::uint32_t>(hash ^ (hash >> 32)) << kLengthBits | shown;
 }
 
+// At most four fifths of the slots are taken.
+std::size_t SlotsFor(std::size_t count) { return count + count / 4; }
+
 std::uint64_t HashLong(std::string_view name, std::uint64_t seed) {
     std::uint64_t hash = seed ^ name.size();
     for (; name.size() > kShort; name.remove_prefix(kShort)) {
@@ -81,7 +84,7 @@ int NameTable::Find(std::string_view name) const {
 }
 
 int NameTable::Add(std::string_view name) {
-    if ((count_ + std::size_t{1}) * 2 > slots_.size()) Resize(slots_.size() * 2);
+    if (SlotsFor(count_ + std::size_t{1}) > slots_.size()) Resize(slots_.size() * 2);
     Slot added = SlotFor(name);
     Slot& slot = slots_[Place(added, name)];
     if (slot.number == 0) {
@@ -101,7 +104,7 @@ int NameTable::Add(std::string_view name) {
 void NameTable::Clear() { *this = NameTable(); }
 
 void NameTable::Reserve(std::size_t count) {
-    if (count * 2 > slots_.size()) Resize(std::bit_ceil(count * 2));
+    if (SlotsFor(count) > slots_.size()) Resize(std::bit_ceil(SlotsFor(count)));
 }
 
 void NameTable::Resize(std::size_t slot_count) {

@@ -42,7 +42,7 @@ private:
     static std::uint64_t Seed();
 
     std::uint64_t seed_ = Seed();
-    std::vector<Slot> slots_;  // a power of two long, or empty; at most half of them are taken
+    std::vector<Slot> slots_;  // a power of two long, or empty
     std::uint32_t count_ = 0;
     std::string long_names_;  // each behind its length
 };
