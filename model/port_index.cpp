@@ -123,12 +123,15 @@ PortIndex::Found PortIndex::FirstOf(int candidate, Positions& exposed, Matches m
 
 void PortIndex::UpperCaseUpTo(int position) {
     for (const int end = std::min(position + 1, indexed_); upper_until_ < end; ++upper_until_) {
-        UpperCaseName(*Node(upper_until_));
+        UpperCasedName(*Node(upper_until_));
     }
 }
 
-void PortIndex::UpperCaseName(LPinNode& node) {
-    UpperCase(node.port_name_.Text(), node.port_name_.View().size());
+// Turns the name of an element into upper case, as a walk does with each that it passes.
+std::string_view PortIndex::UpperCasedName(LPinNode& node) {
+    const std::string_view name = node.port_name_.View();
+    if (!IsUpperCase(name)) UpperCase(node.port_name_.Text(), name.size());
+    return name;
 }
 
 // Finds by port name from what the index knows of it: -1 or a position.
@@ -143,8 +146,7 @@ LPinNode* PortIndex::FirstNamed(std::string_view name) {
     const PortRuns* const same = Folded(name);
     return FirstByName(same == nullptr ? -1 : same->First(), [&](LPinNode& node) {
         if (!node.port_name_.IsSet()) return Step::kNext;
-        UpperCaseName(node);
-        return node.port_name_.View() == name ? Step::kFound : Step::kNext;
+        return UpperCasedName(node) == name ? Step::kFound : Step::kNext;
     });
 }
 
@@ -153,8 +155,7 @@ LPinNode* PortIndex::FirstNamed(std::string_view name, int vector_index) {
     const int known = same == nullptr ? -1 : same->FirstWithIndex(vector_index);
     return FirstByName(known, [&](LPinNode& node) {
         if (!node.port_name_.IsSet()) return Step::kEnd;
-        UpperCaseName(node);
-        const bool found = node.port_name_.View() == name && node.vector_index_ == vector_index;
+        const bool found = UpperCasedName(node) == name && node.vector_index_ == vector_index;
         return found ? Step::kFound : Step::kNext;
     });
 }

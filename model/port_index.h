@@ -80,7 +80,7 @@ private:
     void Expose(Positions& exposed, int position);
     const std::vector<int>& InOrder(Positions& positions);
     void UpperCaseUpTo(int position);
-    static void UpperCaseName(LPinNode& node);
+    static std::string_view UpperCasedName(LPinNode& node);
     const PortRuns* Folded(std::string_view name) const;
     int NthSpelled(std::string_view name, int k) const;
     void LearnPinNames();

@@ -2,7 +2,9 @@
 /// What ports and cells keep their names in. Nothing in it is for hosts.
 #pragma once
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -26,7 +28,10 @@ public:
     }
 
     // The text without its end; empty without one.
-    std::string_view View() const { return IsSet() ? std::string_view(Text()) : ""; }
+    std::string_view View() const {
+        if (Tag() == kOutside) return Outside();
+        return {bytes_, IsSet() ? LengthInPlace() : 0};
+    }
 
     // Throws when memory is exhausted, and is unchanged then.
     void Assign(std::string_view text) {
@@ -71,6 +76,19 @@ private:
         const std::size_t last = text.size() - kPiece;
         std::memcpy(to, text.data(), kPiece);
         std::memcpy(to + last, text.data() + last, kPiece);
+    }
+
+    // Up to the first zero byte, which is the last one at the latest.
+    std::size_t LengthInPlace() const {
+        constexpr std::uint64_t kLowBits = 0x0101010101010101U;
+        constexpr std::uint64_t kHighBits = kLowBits << 7;
+        for (std::size_t at = 0;; at += sizeof(std::uint64_t)) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, bytes_ + at, sizeof word);
+            // The lowest bit that is set belongs to the first zero byte.
+            const std::uint64_t zeros = (word - kLowBits) & ~word & kHighBits;
+            if (zeros != 0) return at + static_cast<std::size_t>(std::countr_zero(zeros)) / 8;
+        }
     }
 
     char Tag() const { return bytes_[kInPlace]; }
