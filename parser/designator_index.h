@@ -6,22 +6,20 @@
 #include "support/name_table.h"
 
 #include <string_view>
-#include <vector>
 
 namespace bscan::detail {
 
-// Finds a designator's number as a walk over the package's pins would. The package pass adds each
-// pin once, a host may add it again.
+// Finds a designator's number as a walk over the package's pins would. No two pins of a package
+// are the same, so the numbers of the names are those of the pins, less 1.
 class DesignatorIndex {
 public:
     explicit DesignatorIndex(const PackagePinMap& package);
 
-    // The number of the first pin of that designator, from 1; 0 without one.
+    // The number of the pin of that designator, from 1; 0 without one.
     int Number(std::string_view designator) const;
 
 private:
     NameTable names_;
-    std::vector<int> numbers_;  // of the names; empty as long as none came twice
 };
 
 }  // namespace bscan::detail
