@@ -9,7 +9,6 @@
 #include <bit>
 
 namespace bscan::detail {
-
 namespace {
 
 // How many blanks a line begins with.

@@ -32,7 +32,7 @@ std::uint32_t KeyOf(std::uint64_t hash, std::size_t length) {
     return static_cast<std::uint32_t>(hash ^ (hash >> 32)) << kLengthBits | shown;
 }
 
-// At most four fifths of the slots are taken.
+// Some four fifths of the slots are taken at most, so that a search always ends at a free one.
 std::size_t SlotsFor(std::size_t count) { return count + count / 4; }
 
 std::uint64_t HashLong(std::string_view name, std::uint64_t seed) {

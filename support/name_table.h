@@ -21,7 +21,6 @@ public:
     int Add(std::string_view name);
     // Makes room for so many names in all.
     void Reserve(std::size_t count);
-    int Count() const { return static_cast<int>(count_); }
     void Clear();
 
 private:

@@ -133,7 +133,6 @@ TEST(Names, AreNumberedAsTheyCome) {
         if (i == 1000) table.Reserve(3000);
     }
     for (const auto& [name, number] : numbers) EXPECT_EQ(table.Find(name), number) << name;
-    EXPECT_EQ(table.Count(), static_cast<int>(numbers.size()));
 }
 
 TEST(Names, AreKeptWhateverTheirLength) {
