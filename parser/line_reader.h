@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <string>
 #include <string_view>
 
 namespace bscan::detail {
@@ -15,28 +14,34 @@ namespace bscan::detail {
 // treated as a line of its own.
 inline constexpr std::size_t kPhysicalRead = 254;
 
+// A line taken apart. A comment runs from "--" to the end of the line, even inside quotes.
+struct Line {
+    std::string_view text;
+    std::string_view comment;  // with its dashes, trimmed; empty without one
+};
+
 class LineReader {
 public:
     // Counts every physical read in `lines`.
     LineReader(FILE* file, std::int64_t& lines) : file_(file), lines_(lines) {}
 
-    // Delivers the next line that is not empty; its text is valid until the next call. A comment
-    // runs from "--" to the end of the line, even inside quotes. It is wanted when `comment` is not
-    // null: that receives the comment of the delivered line with its dashes, trimmed and followed
-    // by '*', or nothing.
-    int Next(std::string_view& line, std::string* comment = nullptr);
+    // Delivers the next line with a text, which is valid until the stream is read again.
+    int Next(Line& line);
+    int Next(std::string_view& text);
 
     // Delivers the next line that begins with a keyword, and passes over all others.
-    int NextWith(std::string_view keyword, std::string_view& line);
+    int NextWith(std::string_view keyword, std::string_view& text);
 
 private:
-    int ReadPhysical();
-    std::string_view Clean(std::string* comment) const;
+    // Whole blocks are looked at, which may reach behind the longest line.
+    static constexpr std::size_t kLookedAt = kPhysicalRead + 2 + Block::kSize;
+
+    int ReadPhysical(Line& line);
+    bool TakeReadAheadLine(Line& line);
 
     FILE* file_;
     std::int64_t& lines_;
-    // Whole blocks are looked at, which may reach behind the longest line.
-    char buffer_[kPhysicalRead + 1 + Block::kSize + 1] = {};
+    char buffer_[kLookedAt] = {};  // a line that the stream did not hold as a whole
 };
 
 }  // namespace bscan::detail

@@ -51,12 +51,17 @@ int CompleteIn(std::int64_t& lines, FILE* file, char* statement, Terminator term
 int BScanParser::GetLine(FILE* file, char* line, char* comment) {
     if (line == nullptr) return bscan::kFailed;
     return GuardedCode([&] {
+        const std::int64_t lines_before = line_number_;
         LineReader reader(file, line_number_);
-        std::string_view text;
-        std::string comment_text;
-        const int result = reader.Next(text, comment == nullptr ? nullptr : &comment_text);
-        if (comment != nullptr) Put(comment, comment_text);
-        if (result == bscan::kOk) Put(line, text);
+        Line next;
+        const int result = reader.Next(next);
+        // Each physical read sets the comment anew, whether or not its line is delivered.
+        if (comment != nullptr && line_number_ != lines_before) {
+            std::string text(next.comment);
+            if (!text.empty()) text.push_back('*');
+            Put(comment, text);
+        }
+        if (result == bscan::kOk) Put(line, next.text);
         return result;
     });
 }

@@ -70,27 +70,32 @@ int StatementReader::ReadFirstPiece(std::string_view start, std::string& value, 
 }
 
 int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ended) {
-    comment_.clear();
-    std::string_view line;
-    int result = lines_.Next(line, comments == Comments::kKeep ? &comment_ : nullptr);
+    Line line;
+    int result = lines_.Next(line);
     if (result != kOk) return result;
-    ended = EndsValue(line);
-    std::string_view rest = TrimLeft(CutAt(line, '"').after);
-    Parts piece = CutAt(rest, '"');
-    // What joins two pieces mostly stands behind the closing quote.
-    if (Find(piece.after, '&', ';') == std::string_view::npos && !kPieceEnd.IsIn(rest)) {
-        extended_.assign(rest);
-        result = Complete(extended_, kPieceEnd);
+    std::string_view rest = CutAt(line.text, '"').after;
+    if (!kPieceEnd.IsIn(rest)) {
+        result = ReadLongPiece(line.comment, rest);
         if (result != kOk) return result;
-        rest = extended_;
-        piece = CutAt(rest, '"');
     }
     // The ';' may stand on a line of its own behind the last piece.
-    ended = ended || EndsValue(rest);
-    value.append(TrimRight(piece.before));
-    if (!comment_.empty()) value.append(1, ' ').append(comment_);
+    ended = EndsValue(rest);
+    value.append(UpToQuote(TrimLeft(rest)));
+    if (comments == Comments::kKeep && !line.comment.empty()) {
+        value.append(1, ' ').append(line.comment).push_back('*');
+    }
     value.push_back(' ');
     return kOk;
+}
+
+// Takes in further lines, up to what joins or ends a piece that one line does not hold.
+int StatementReader::ReadLongPiece(std::string_view& comment, std::string_view& rest) {
+    comment_.assign(comment);
+    comment = comment_;
+    extended_.assign(TrimLeft(rest));
+    const int result = Complete(extended_, kPieceEnd);
+    rest = extended_;
+    return result;
 }
 
 }  // namespace bscan::detail

@@ -43,9 +43,7 @@ class StatementReader {
 public:
     StatementReader(FILE* file, std::int64_t& lines) : lines_(file, lines) {}
 
-    int NextLine(std::string_view& line, std::string* comment = nullptr) {
-        return lines_.Next(line, comment);
-    }
+    int NextLine(std::string_view& line) { return lines_.Next(line); }
 
     int NextLineWith(std::string_view keyword, std::string_view& line) {
         return lines_.NextWith(keyword, line);
@@ -70,10 +68,11 @@ public:
 private:
     int ReadFirstPiece(std::string_view start, std::string& value, bool& ended);
     int ReadPiece(Comments comments, std::string& value, bool& ended);
+    int ReadLongPiece(std::string_view& comment, std::string_view& rest);
 
     LineReader lines_;
     std::string extended_;  // a piece that goes on over several lines
-    std::string comment_;
+    std::string comment_;   // that of its first line
 };
 
 // The text behind the opening quote of a string value: what follows the first quote of a text, or
