@@ -55,9 +55,8 @@ void CutBoundaryRegister(std::string_view text) {
         Require(remark.find_first_of("- \t\r\n") == remark.npos, "a remark is one word");
         CellFields fields;
         if (!CutRegisterEntry(text, entry, fields)) continue;
-        for (const std::string_view field : {*fields.type, fields.port, *fields.function}) {
-            Require(IsWithin(field, entry.columns.In(text)), "fields are of their entry");
-        }
+        Require(IsWithin(fields.port, entry.columns.In(text)), "a port is of its entry");
+        Require(fields.type.has_value(), "an entry has a type");
         Require(fields.safe == SIG_0 || fields.safe == SIG_1 || fields.safe == SIG_X, "safe value");
         Require(fields.disable_value == SIG_0 || fields.disable_value == SIG_1, "disable value");
         Require(fields.disable_result >= SIG_Z && fields.disable_result <= SIG_WEAK1, "result");

@@ -58,7 +58,7 @@ CellType LBScanCell::GetBScanCellType() const { return type_; }
 void LBScanCell::SetFunction(char* text) {
     if (text == nullptr) return;
     UpperCase(text, std::strlen(text));
-    function_ = FunctionFromText(text, function_);
+    function_ = FunctionFromText(text).value_or(function_);
 }
 
 void LBScanCell::SetFunction(CellFunction function) { function_ = function; }

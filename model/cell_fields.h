@@ -1,6 +1,7 @@
 // What one entry of the boundary register says.
 #pragma once
 
+#include <bscan/boundary_cell.h>
 #include <bscan/signal.h>
 
 #include <optional>
@@ -10,10 +11,10 @@ namespace bscan::detail {
 
 struct CellFields {
     int number = 0;
-    std::optional<std::string_view> type;  // none keeps the cell's type
-    std::string_view port;                 // in upper case; empty for none
+    std::optional<CellType> type;  // none keeps the cell's type
+    std::string_view port;         // in upper case; empty for none
     int port_index = 0;
-    std::optional<std::string_view> function;  // none keeps the cell's function
+    std::optional<CellFunction> function;  // none keeps the cell's function
     eSignal safe = SIG_X;
     int control = -1;  // negative for none
     eSignal disable_value = SIG_0;

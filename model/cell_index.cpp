@@ -100,6 +100,12 @@ int CellColumn::FirstRenamed(int number) {
 }
 
 int CellColumn::First(std::string_view name, const LBScanCell* cells, int count) {
+    // Learning a table costs as much as some walks over it.
+    constexpr int kWalks = 8;
+    if (!known_ && walks_ < kWalks) {
+        ++walks_;
+        return Walk(name_, name, cells, count);
+    }
     int number = NameTable::kNone;
     try {
         if (!known_) Learn(cells, count);

@@ -10,9 +10,9 @@ class LBScanCell;
 
 namespace bscan::detail {
 
-// The cells of a cell table by one of their two names. It is learned at the first lookup and then
-// kept: every cell stands under each name that it has borne since, and a lookup drops those that no
-// longer bear the name. So the answer is always the lowest position that a walk would stop at.
+// The cells of a cell table by one of their two names. It is learned after a few lookups, which walk,
+// and then kept: every cell stands under each name that it has borne since, and a lookup drops those
+// that no longer bear the name. So the answer is always the lowest position that a walk would stop at.
 // A lookup looks at no cell: the column knows the name of each.
 class CellColumn {
 public:
@@ -43,6 +43,7 @@ private:
 
     Getter name_;
     bool known_ = false;
+    int walks_ = 0;  // lookups before it was learned
     NameTable names_;
     std::vector<Bearers> bearers_;   // by the number of the name
     std::vector<int> name_numbers_;  // by position

@@ -125,9 +125,9 @@ PortType ModeFromText(std::string_view text, PortType otherwise) {
     return otherwise;
 }
 
-CellFunction FunctionFromText(std::string_view text, CellFunction otherwise) {
-    CellFunction function = otherwise;
-    Keyword<CellFunction>::Find(kFunctions, text, function);
+std::optional<CellFunction> FunctionFromText(std::string_view text) {
+    CellFunction function = FUNCTION_NONE;
+    if (!Keyword<CellFunction>::Find(kFunctions, text, function)) return std::nullopt;
     return function;
 }
 

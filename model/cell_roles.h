@@ -5,6 +5,7 @@
 #include <bscan/object_list.h>
 #include <bscan/signal.h>
 
+#include <optional>
 #include <string_view>
 
 namespace bscan::detail {
@@ -37,8 +38,8 @@ bool Accepts(PortType mode, CellFunction function);
 // The mode that a text names; `otherwise` for any other text.
 PortType ModeFromText(std::string_view text, PortType otherwise);
 
-// The function that a text names, letter case ignored; `otherwise` for any other text.
-CellFunction FunctionFromText(std::string_view text, CellFunction otherwise);
+// The function that a text names, letter case ignored; none for any other text.
+std::optional<CellFunction> FunctionFromText(std::string_view text);
 
 // The cell type that a text names, letter case ignored.
 CellType CellTypeFromText(std::string_view text);

@@ -125,9 +125,9 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
     }
     if (fields.original_name) original_name.Assign(*fields.original_name);
     cell.position_ = fields.number;
-    if (fields.type) cell.type_ = CellTypeFromText(*fields.type);
+    cell.type_ = fields.type.value_or(cell.type_);
     cell.node_ = node;
-    if (fields.function) cell.function_ = FunctionFromText(*fields.function, cell.function_);
+    cell.function_ = fields.function.value_or(cell.function_);
     cell.safeValue = fields.safe;
     cell.cellValue = fields.value;
     cell.pin_name_.Swap(pin_name);

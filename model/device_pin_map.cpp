@@ -81,10 +81,12 @@ int BScanPinMap::AddNewRegister(int cellNumber, char* cellType, char* portName, 
     }
     const std::string_view port = UpperCased(portName);
     strupr(function);
+    std::optional<CellType> type;
+    if (cellType != nullptr) type = CellTypeFromText(cellType);
     return GuardedCode([&] {
         return DeviceBuilder(*this).AddCell(
-            {cellNumber, OptionalView(cellType), port, portIndex, OptionalView(function), safe,
-             controlCell, disableValue, disableResult, value, OptionalView(originalPinName)});
+            {cellNumber, type, port, portIndex, FunctionFromText(View(function)), safe, controlCell,
+             disableValue, disableResult, value, OptionalView(originalPinName)});
     });
 }
 

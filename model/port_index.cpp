@@ -171,6 +171,7 @@ int PortIndex::NthSpelled(std::string_view name, int k) const {
     const int number = names_.Find(name);
     if (number == NameTable::kNone) return -1;
     const SameName& same = same_names_[static_cast<std::size_t>(number)];
+    if (upper_until_ == 0) return same.spelled.At(k);
     const int turned = IsUpperCase(name) ? same.folded.CountBefore(upper_until_) : 0;
     if (k < turned) return same.folded.At(k);
     return same.spelled.At(same.spelled.CountBefore(upper_until_) + (k - turned));

@@ -19,8 +19,8 @@ std::size_t TextLength(const char* line) {
     for (; at <= kPhysicalRead; at += Block::kSize) {
         const Block block(line + at);
         // A dash may be followed by the first character of the next block.
-        const std::uint32_t dashes = block.Places('-') & Block(line + at + 1).Places('-');
-        const std::uint32_t ends = dashes | block.Places('\n', '\0');
+        const Block::Matches dashes = block.Find('-') & Block(line + at + 1).Find('-');
+        const std::uint32_t ends = (dashes | block.Find('\n', '\0')).Places();
         if (ends != 0) return at + static_cast<std::size_t>(std::countr_zero(ends));
     }
     return at;

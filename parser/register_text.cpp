@@ -1,5 +1,6 @@
 #include "parser/register_text.h"
 
+#include "model/cell_roles.h"
 #include "support/keyword.h"
 #include "support/text_view.h"
 
@@ -157,9 +158,9 @@ bool CutRegisterEntry(std::string_view value, const RegisterEntry& entry, CellFi
     const Columns columns(entry.columns.In(value));
     const std::size_t last = columns.Last();
     fields.number = DecimalValue(entry.number.In(value));
-    fields.type = last > 0 ? columns[0] : std::string_view();
+    fields.type = CellTypeFromText(last > 0 ? columns[0] : std::string_view());
     if (last > 1) CutPort(columns[1], fields);
-    fields.function = last > 2 ? columns[2] : std::string_view();
+    fields.function = FunctionFromText(last > 2 ? columns[2] : std::string_view());
     if (!SignalText::Find(kSafeValues, columns[std::min(last, kSafe)], fields.safe)) return false;
     if (last <= kSafe) return true;
     if (last < Columns::kMost - 1) return last == kSafe + 1 && columns[last].empty();

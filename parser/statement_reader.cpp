@@ -14,6 +14,12 @@ bool EndsValue(std::string_view text) {
     return !text.empty() && text.back() == ';' && Find(text, ';') == text.size() - 1;
 }
 
+// Whether a text joins its piece to the next or ends it: mostly its last character does.
+bool EndsPiece(std::string_view text) {
+    if (text.empty()) return false;
+    return text.back() == '&' || text.back() == ';' || Find(text, '&', ';') != text.npos;
+}
+
 // The quoted text at the front; nothing without a closing quote.
 std::string_view UpToQuote(std::string_view text) { return TrimRight(CutAt(text, '"').before); }
 
@@ -74,7 +80,7 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
     int result = lines_.Next(line);
     if (result != kOk) return result;
     std::string_view rest = CutAt(line.text, '"').after;
-    if (!kPieceEnd.IsIn(rest)) {
+    if (!EndsPiece(rest)) {
         result = ReadLongPiece(line.comment, rest);
         if (result != kOk) return result;
     }

@@ -15,6 +15,26 @@ class Block {
 public:
     static constexpr std::size_t kSize = sizeof(__m128i);
 
+    // Some of the sixteen.
+    class Matches {
+    public:
+        std::uint32_t Places() const {
+            return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes_));
+        }
+        friend Matches operator&(Matches left, Matches right) {
+            return Matches(_mm_and_si128(left.bytes_, right.bytes_));
+        }
+        friend Matches operator|(Matches left, Matches right) {
+            return Matches(_mm_or_si128(left.bytes_, right.bytes_));
+        }
+
+    private:
+        friend class Block;
+        explicit Matches(__m128i bytes) : bytes_(bytes) {}
+
+        __m128i bytes_;
+    };
+
     // All of them must be readable.
     explicit Block(const char* text) { std::memcpy(&characters_, text, kSize); }
 
@@ -24,12 +44,16 @@ public:
         return Block(_mm_unpacklo_epi64(LoadHalf(text.data()), LoadHalf(last)));
     }
 
-    // One bit for each character that is one of those sought.
+    // Which characters are one of those sought.
+    template <class... Characters>
+    Matches Find(Characters... sought) const {
+        return (Matches(_mm_cmpeq_epi8(characters_, _mm_set1_epi8(sought))) | ...);
+    }
+
+    // The same, one bit for each character.
     template <class... Characters>
     std::uint32_t Places(Characters... sought) const {
-        __m128i found = _mm_setzero_si128();
-        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(characters_, _mm_set1_epi8(sought)))), ...);
-        return static_cast<std::uint32_t>(_mm_movemask_epi8(found));
+        return Find(sought...).Places();
     }
 
 private:
@@ -113,10 +137,15 @@ private:
             const std::size_t last = left - Block::kSize;
             for (std::size_t at = 0; at < last; at += Block::kSize) LookAt(window, at);
             LookAt(window, last);
+        } else if (text_.size() >= Block::kSize) {
+            // The last block begins in front of the window.
+            const std::size_t before = Block::kSize - left;
+            places_ = std::uint64_t{Block(window - before).Places(kSought...)} >> before;
         } else {
-            char last[Block::kSize] = {};
-            std::memcpy(last, window, left);
-            LookAt(last, 0);
+            for (std::size_t at = 0; at < left; ++at) {
+                const bool found = ((window[at] == kSought) || ...);
+                places_ |= std::uint64_t{found} << at;
+            }
         }
     }
 

@@ -32,23 +32,19 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
 }
 
 std::int32_t DecimalValue(std::string_view text) {
-    std::size_t at = 0;
+    const char* at = text.data();
+    const char* const end = at + text.size();
     // The conversion skips vertical tab and form feed too, which trimming keeps.
-    while (at < text.size() && (IsBlank(text[at]) || text[at] == '\v' || text[at] == '\f')) ++at;
+    while (at != end && (*at == ' ' || (*at >= '\t' && *at <= '\r'))) ++at;
     bool negative = false;
-    if (at < text.size() && (text[at] == '-' || text[at] == '+')) negative = text[at++] == '-';
-    std::uint64_t value = 0;
-    // So many digits fit whatever they are.
-    const std::size_t safe =
-        std::min(text.size(), at + std::numeric_limits<std::int64_t>::digits10);
-    for (; at < safe && IsDigit(text[at]); ++at) {
-        value = value * 10 + static_cast<std::uint64_t>(text[at] - '0');
-    }
+    if (at != end && (*at == '-' || *at == '+')) negative = *at++ == '-';
     constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
     const std::uint64_t limit = negative ? kMost + 1 : kMost;
-    for (; at < text.size() && IsDigit(text[at]); ++at) {
-        const auto digit = static_cast<std::uint64_t>(text[at] - '0');
-        if (value > (limit - digit) / 10) {
+    std::uint64_t value = 0;
+    for (; at != end && IsDigit(*at); ++at) {
+        const auto digit = static_cast<std::uint64_t>(*at - '0');
+        // One digit more fits for certain below a tenth of the limit.
+        if (value >= kMost / 10 && value > (limit - digit) / 10) {
             value = limit;
             break;
         }

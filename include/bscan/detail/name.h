@@ -44,18 +44,16 @@ public:
             bytes_[kInPlace] = kOutside;
             return;
         }
-        // The text may be a part of this one.
-        char bytes[sizeof bytes_] = {};
-        CopyInPlace(text, bytes);
+        // The text may be a part of this one, so it is read first.
+        const Words words = InPlace(text);
         Release();
-        std::memcpy(bytes_, bytes, sizeof bytes);
+        SetWords(words);
     }
 
     void Swap(Name& other) noexcept {
-        char bytes[sizeof bytes_];
-        std::memcpy(bytes, bytes_, sizeof bytes);
-        std::memcpy(bytes_, other.bytes_, sizeof bytes);
-        std::memcpy(other.bytes_, bytes, sizeof bytes);
+        const Words words = GetWords();
+        SetWords(other.GetWords());
+        other.SetWords(words);
     }
 
 private:
@@ -64,18 +62,42 @@ private:
     static constexpr char kOutside = 1;
     static constexpr char kNone = 2;
 
-    // Copies in pieces of a fixed size, which may overlap.
-    static void CopyInPlace(std::string_view text, char* to) {
-        if (text.size() >= 8) return CopyEnds<8>(text, to);
-        if (text.size() >= 4) return CopyEnds<4>(text, to);
-        for (std::size_t i = 0; i < text.size(); ++i) to[i] = text[i];
+    // All bytes, as the processor moves them.
+    struct Words {
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+    };
+
+    Words GetWords() const { return {Load<std::uint64_t>(bytes_), Load<std::uint64_t>(bytes_ + 8)}; }
+    void SetWords(Words words) {
+        std::memcpy(bytes_, &words.low, sizeof words.low);
+        std::memcpy(bytes_ + 8, &words.high, sizeof words.high);
     }
 
-    template <std::size_t kPiece>
-    static void CopyEnds(std::string_view text, char* to) {
-        const std::size_t last = text.size() - kPiece;
-        std::memcpy(to, text.data(), kPiece);
-        std::memcpy(to + last, text.data() + last, kPiece);
+    template <class Piece>
+    static std::uint64_t Load(const char* text) {
+        Piece piece = 0;
+        std::memcpy(&piece, text, sizeof piece);
+        return piece;
+    }
+
+    // A text to keep in place. It is read in two pieces of a fixed size; where they overlap, both
+    // hold the same bits.
+    static Words InPlace(std::string_view text) {
+        const std::size_t size = text.size();
+        if (size > 8) {
+            const char* const last = text.data() + size - 8;
+            return {Load<std::uint64_t>(text.data()), Load<std::uint64_t>(last) >> (16 - size) * 8};
+        }
+        if (size >= 4) return {Ends<std::uint32_t>(text), 0};
+        if (size >= 2) return {Ends<std::uint16_t>(text), 0};
+        return {size == 0 ? 0 : Load<std::uint8_t>(text.data()), 0};
+    }
+
+    template <class Piece>
+    static std::uint64_t Ends(std::string_view text) {
+        const std::size_t last = text.size() - sizeof(Piece);
+        return Load<Piece>(text.data()) | Load<Piece>(text.data() + last) << last * 8;
     }
 
     // Up to the first zero byte, which is the last one at the latest.
