@@ -5,12 +5,12 @@
 #include "parser/constant_text.h"
 #include "parser/designator_index.h"
 #include "parser/pin_map_text.h"
-#include "parser/pin_sort.h"
 #include "support/file.h"
 #include "support/list_access.h"
 #include "support/text_view.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <memory>
 #include <utility>
@@ -23,19 +23,28 @@ constexpr int kNoPinMapInFile = 1;
 
 // Splits a designator into its letters and the value of its digits, wherever they stand; other
 // characters do not count. In most designators the digits follow the letters.
-PIN_NAME Split(std::string_view designator) {
-    const char* const begin = designator.data();
-    const char* const end = begin + designator.size();
-    const char* const digits = std::find_if_not(begin, end, IsLetter);
-    if (std::all_of(digits, end, IsDigit)) {
-        const auto number = DecimalValue({digits, static_cast<std::size_t>(end - digits)});
-        return {std::string(begin, digits), static_cast<unsigned short>(number)};
+void AddPin(std::string_view designator, PinSet& pins) {
+    const auto add = [&](std::string_view letters, std::string_view digits) {
+        pins.Add(letters, static_cast<unsigned short>(DecimalValue(digits)));
+    };
+    const auto first_digit = std::find_if_not(designator.begin(), designator.end(), IsLetter);
+    if (std::all_of(first_digit, designator.end(), IsDigit)) {
+        const auto count = static_cast<std::size_t>(first_digit - designator.begin());
+        return add(designator.substr(0, count), designator.substr(count));
     }
     std::string letters;
-    std::string number;
-    std::copy_if(begin, end, std::back_inserter(letters), IsLetter);
-    std::copy_if(begin, end, std::back_inserter(number), IsDigit);
-    return {letters, static_cast<unsigned short>(DecimalValue(number))};
+    std::string digits;
+    std::copy_if(designator.begin(), designator.end(), std::back_inserter(letters), IsLetter);
+    std::copy_if(designator.begin(), designator.end(), std::back_inserter(digits), IsDigit);
+    add(letters, digits);
+}
+
+std::string Designator(const PIN_NAME& pin) {
+    std::string designator = pin.letters;
+    char digits[8];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, pin.number);
+    static_cast<void>(error);
+    return designator.append(digits, static_cast<std::size_t>(end - digits));
 }
 
 }  // namespace
@@ -54,12 +63,12 @@ int PackagePass::Read() {
     std::string value;
     result = reader_.ReadStringValue(ValueStart(first_line), Comments::kDrop, value);
     if (result != kOk) return result;
-    std::vector<PIN_NAME> pins = parser_.pin_names_;
+    PinSet pins;
+    for (const PIN_NAME& pin : parser_.pin_names_) pins.Add(pin.letters, pin.number);
     if (!CollectPins(value, pins)) return kOk;
     std::string package(ConstantName(statement));
     LowerCase(package);
-    SortPins(pins);
-    Publish(std::move(package), std::move(pins));
+    Publish(std::move(package), pins.Sorted());
     return kOk;
 }
 
@@ -79,13 +88,13 @@ int PackagePass::FindPinMap(std::string& first_line, std::string& statement) {
 }
 
 // False when there is no pin, or the first one has no letter: then designators are numbers already.
-bool PackagePass::CollectPins(std::string_view value, std::vector<PIN_NAME>& pins) const {
+bool PackagePass::CollectPins(std::string_view value, PinSet& pins) {
     bool any = false;
     PinMapCutter cutter(value);
     for (PinMapEntry entry; cutter.Next(entry);) {
         for (std::string_view pin; TakePin(entry.pins, pin); any = true) {
             if (!any && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
-            pins.push_back(Split(pin));
+            AddPin(pin, pins);
         }
     }
     return any;
@@ -95,10 +104,7 @@ void PackagePass::Publish(std::string package, std::vector<PIN_NAME> pins) {
     auto map = std::make_unique<PackagePinMap>();
     map->name_ = std::move(package);
     map->pins_.reserve(pins.size());
-    for (const PIN_NAME& pin : pins) {
-        std::string& designator = map->pins_.emplace_back(pin.letters);
-        designator += std::to_string(pin.number);
-    }
+    for (const PIN_NAME& pin : pins) map->pins_.push_back(Designator(pin));
     auto maps = std::make_unique<LObjList>();
     ListAccess::Objects(*maps).push_back(map.get());
 

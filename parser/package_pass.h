@@ -3,6 +3,7 @@
 
 #include <bscan/parser.h>
 
+#include "parser/pin_sort.h"
 #include "parser/statement_reader.h"
 
 #include <cstdio>
@@ -24,7 +25,7 @@ public:
 
 private:
     int FindPinMap(std::string& first_line, std::string& statement);
-    bool CollectPins(std::string_view value, std::vector<PIN_NAME>& pins) const;
+    static bool CollectPins(std::string_view value, PinSet& pins);
     void Publish(std::string package, std::vector<PIN_NAME> pins);
 
     BScanParser& parser_;

@@ -10,69 +10,97 @@
 namespace bscan::detail {
 namespace {
 
+constexpr unsigned kByte = 8;
+constexpr std::uint64_t kByteMask = 0xFF;
+
+// From the highest bits of a key: larger numbers first, then fewer letters, then the first letters,
+// unless there are more than the key can count.
 constexpr std::size_t kLettersInKey = 5;
+constexpr std::size_t kUncounted = kByteMask;
+constexpr unsigned kNumberShift = 48;
+constexpr unsigned kCountShift = 40;
 
-struct Keyed {
-    std::uint64_t key;
-    std::size_t pin;
-};
-
-// A number that orders most pins as pin_smaller does, so that their texts need not be compared:
-// larger numbers first, then fewer letters, then the first letters.
-std::uint64_t Key(const PIN_NAME& pin) {
-    std::uint64_t key = 0xFFFFU - pin.number;
-    key = key << 8 | std::min<std::size_t>(pin.letters.size(), 0xFF);
-    for (std::size_t i = 0; i < kLettersInKey; ++i) {
-        const char letter = i < pin.letters.size() ? pin.letters[i] : '\0';
-        key = key << 8 | static_cast<unsigned char>(letter);
+std::uint64_t Key(std::string_view letters, unsigned short number) {
+    std::uint64_t key = std::uint64_t{0xFFFFU} - number;
+    key = key << kByte | std::min(letters.size(), kUncounted);
+    unsigned shift = kCountShift;
+    key <<= shift;
+    if (letters.size() >= kUncounted) return key;
+    for (const char letter : letters.substr(0, kLettersInKey)) {
+        key |= std::uint64_t{static_cast<unsigned char>(letter)} << (shift -= kByte);
     }
     return key;
 }
 
-// Sorts by the bytes of the keys, from the lowest to the highest. Most bytes are the same in all
-// keys, and need nothing to be moved.
-void SortByKey(std::vector<Keyed>& keys) {
-    std::vector<Keyed> sorted(keys.size());
-    for (unsigned shift = 0; shift < 64; shift += 8) {
-        const auto byte = [shift](const Keyed& pin) { return pin.key >> shift & 0xFFU; };
-        std::size_t places[0x100] = {};
-        for (const Keyed& pin : keys) ++places[byte(pin)];
-        if (keys.empty() || places[byte(keys.front())] == keys.size()) continue;
-        std::size_t place = 0;
-        for (std::size_t& count : places) place += std::exchange(count, place);
-        for (const Keyed& pin : keys) sorted[places[byte(pin)]++] = pin;
-        keys.swap(sorted);
-    }
+unsigned short NumberIn(std::uint64_t key) {
+    return static_cast<unsigned short>(0xFFFFU - (key >> kNumberShift));
 }
 
-bool Equal(const PIN_NAME& left, const PIN_NAME& right) {
-    return left.number == right.number && left.letters == right.letters;
+bool HoldsLetters(std::uint64_t key) { return (key >> kCountShift & kByteMask) <= kLettersInKey; }
+
+std::string LettersIn(std::uint64_t key) {
+    char letters[kLettersInKey];
+    const std::size_t count = key >> kCountShift & kByteMask;
+    for (std::size_t i = 0; i < count; ++i) {
+        letters[i] = static_cast<char>(key >> (kCountShift - kByte * (i + 1)) & kByteMask);
+    }
+    return {letters, count};
 }
 
 }  // namespace
 
-void SortPins(std::vector<PIN_NAME>& pins) {
-    std::vector<Keyed> keys;
-    keys.reserve(pins.size());
-    for (std::size_t i = 0; i < pins.size(); ++i) keys.push_back({Key(pins[i]), i});
-    SortByKey(keys);
-    // Pins whose letters differ behind those in the key.
+void PinSet::Add(std::string_view letters, unsigned short number) {
+    const std::uint64_t key = Key(letters, number);
+    if (!HoldsLetters(key)) letters_.emplace_back(letters);
+    pins_.push_back({key, letters_.size()});
+}
+
+// Sorts by the bytes of the keys, from the lowest to the highest. Most bytes are the same in all
+// keys, and need nothing to be moved.
+void PinSet::SortByKey() {
+    std::vector<Keyed> sorted(pins_.size());
+    std::uint64_t different = 0;
+    for (const Keyed& pin : pins_) different |= pin.key ^ pins_.front().key;
+    for (unsigned shift = 0; shift < 64; shift += kByte) {
+        if ((different >> shift & kByteMask) == 0) continue;
+        const auto byte = [shift](const Keyed& pin) { return pin.key >> shift & kByteMask; };
+        std::size_t places[kByteMask + 1] = {};
+        for (const Keyed& pin : pins_) ++places[byte(pin)];
+        std::size_t place = 0;
+        for (std::size_t& count : places) place += std::exchange(count, place);
+        for (const Keyed& pin : pins_) sorted[places[byte(pin)]++] = pin;
+        pins_.swap(sorted);
+    }
+}
+
+// Sorts the pins of each key that does not hold their letters.
+void PinSet::SortByLetters() {
     const auto smaller = [&](const Keyed& left, const Keyed& right) {
-        return pin_smaller(pins[left.pin], pins[right.pin]);
+        return ::operator<(letters_[left.letters - 1], letters_[right.letters - 1]);
     };
-    for (auto begin = keys.begin(), end = begin; begin != keys.end(); begin = end) {
-        end = std::find_if(begin, keys.end(),
+    for (auto begin = pins_.begin(), end = begin; begin != pins_.end(); begin = end) {
+        end = std::find_if(begin, pins_.end(),
                            [&](const Keyed& pin) { return pin.key != begin->key; });
-        if (pins[begin->pin].letters.size() > kLettersInKey) std::sort(begin, end, smaller);
+        if (!HoldsLetters(begin->key)) std::sort(begin, end, smaller);
     }
+}
+
+std::vector<PIN_NAME> PinSet::Sorted() {
+    SortByKey();
+    if (!letters_.empty()) SortByLetters();
+    const auto equal = [&](const Keyed& left, const Keyed& right) {
+        return left.key == right.key && (HoldsLetters(left.key) || letters_[left.letters - 1] ==
+                                                                       letters_[right.letters - 1]);
+    };
+    pins_.erase(std::unique(pins_.begin(), pins_.end(), equal), pins_.end());
     std::vector<PIN_NAME> sorted;
-    sorted.reserve(pins.size());
-    for (const Keyed& next : keys) {
-        if (sorted.empty() || !Equal(sorted.back(), pins[next.pin])) {
-            sorted.push_back(std::move(pins[next.pin]));
-        }
+    sorted.reserve(pins_.size());
+    for (const Keyed& pin : pins_) {
+        std::string letters =
+            HoldsLetters(pin.key) ? LettersIn(pin.key) : letters_[pin.letters - 1];
+        sorted.push_back({std::move(letters), NumberIn(pin.key)});
     }
-    pins = std::move(sorted);
+    return sorted;
 }
 
 }  // namespace bscan::detail
