@@ -5,6 +5,8 @@
 #include "support/text_view.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 
 namespace bscan::detail {
 namespace {
@@ -19,31 +21,54 @@ constexpr SignalText kDisableResults[] = {{"Z", SIG_Z},
                                           {"WEAK0", SIG_WEAK0},
                                           {"WEAK1", SIG_WEAK1}};
 
-// The texts between the commas of an entry.
+// The texts between the commas of an entry, trimmed.
 class Columns {
 public:
     // All that an entry may have; what stands behind that many commas is one text.
     static constexpr std::size_t kMost = 7;
 
     explicit Columns(std::string_view text) : text_(text.data()) {
-        Marks<','> commas(text);
-        for (begins_[0] = 0; last_ < kMost - 1; ++last_) {
-            const std::size_t comma = commas.Next();
-            if (comma == commas.kNone) break;
-            begins_[last_ + 1] = comma + 1;
+        columns_[0] = {0, 0};
+        // Where the commas and where other characters than blanks are: 64 characters at a time.
+        for (std::size_t window = 0; window < text.size(); window += kWindow) {
+            std::uint64_t commas = PlacesInWindow(text, window, ',');
+            std::uint64_t words = ~PlacesInWindow(text, window, ' ', '\t', '\r', '\n');
+            const std::size_t left = text.size() - window;
+            if (left < kWindow) words &= (std::uint64_t{1} << left) - 1;
+            for (; commas != 0 && last_ < kMost - 1; commas &= commas - 1) {
+                const std::uint64_t before = (commas & (0 - commas)) - 1;
+                Extend(window, words & before);
+                words &= ~before << 1;
+                columns_[++last_] = {0, 0};
+            }
+            Extend(window, words);
         }
-        begins_[last_ + 1] = text.size() + 1;
     }
 
     std::size_t Last() const { return last_; }
     std::string_view operator[](std::size_t column) const {
-        const std::size_t begin = begins_[column];
-        return Trim({text_ + begin, begins_[column + 1] - 1 - begin});
+        const auto [begin, end] = columns_[column];
+        return {text_ + begin, end - begin};
     }
 
 private:
+    struct Bounds {
+        std::size_t begin;
+        std::size_t end;
+    };
+
+    // Takes further characters into the last column, up to the last of those that are no blanks.
+    void Extend(std::size_t window, std::uint64_t words) {
+        if (words == 0) return;
+        Bounds& column = columns_[last_];
+        if (column.end == 0) {
+            column.begin = window + static_cast<std::size_t>(std::countr_zero(words));
+        }
+        column.end = window + static_cast<std::size_t>(std::bit_width(words));
+    }
+
     const char* text_;
-    std::size_t begins_[kMost + 1];  // those behind the last column are not set
+    Bounds columns_[kMost];  // those behind the last column are not set
     std::size_t last_ = 0;
 };
 

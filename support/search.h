@@ -93,6 +93,39 @@ std::size_t Find(std::string_view text, Characters... sought) {
     return kNone;
 }
 
+// How many characters a window shows.
+inline constexpr std::size_t kWindow = 64;
+
+// Looks at the part of a text that begins at a position: one bit for each of its first 64 characters
+// that is one of those sought.
+template <class... Characters>
+std::uint64_t PlacesInWindow(std::string_view text, std::size_t position, Characters... sought) {
+    if (position >= text.size()) return 0;
+    const char* const window = text.data() + position;
+    const std::size_t left = text.size() - position;
+    const auto look = [&](std::size_t at) {
+        return std::uint64_t{Block(window + at).Places(sought...)} << at;
+    };
+    std::uint64_t places = 0;
+    if (left >= kWindow) {
+        for (std::size_t at = 0; at < kWindow; at += Block::kSize) places |= look(at);
+    } else if (left >= Block::kSize) {
+        // The last block overlaps the one before.
+        const std::size_t last = left - Block::kSize;
+        for (std::size_t at = 0; at < last; at += Block::kSize) places |= look(at);
+        places |= look(last);
+    } else if (text.size() >= Block::kSize) {
+        // The last block begins in front of the window.
+        const std::size_t before = Block::kSize - left;
+        places = std::uint64_t{Block(window - before).Places(sought...)} >> before;
+    } else {
+        for (std::size_t at = 0; at < left; ++at) {
+            places |= std::uint64_t{((window[at] == sought) || ...)} << at;
+        }
+    }
+    return places;
+}
+
 // Walks over the places of some characters in a text, in their order.
 template <char... kSought>
 class Marks {
@@ -122,35 +155,9 @@ public:
     }
 
 private:
-    static constexpr std::size_t kWindow = 64;
-
     void LookFrom(std::size_t position) {
         window_ = position;
-        places_ = 0;
-        if (position >= text_.size()) return;
-        const std::size_t left = text_.size() - position;
-        const char* const window = text_.data() + position;
-        if (left >= kWindow) {
-            for (std::size_t at = 0; at < kWindow; at += Block::kSize) LookAt(window, at);
-        } else if (left >= Block::kSize) {
-            // The last block overlaps the one before.
-            const std::size_t last = left - Block::kSize;
-            for (std::size_t at = 0; at < last; at += Block::kSize) LookAt(window, at);
-            LookAt(window, last);
-        } else if (text_.size() >= Block::kSize) {
-            // The last block begins in front of the window.
-            const std::size_t before = Block::kSize - left;
-            places_ = std::uint64_t{Block(window - before).Places(kSought...)} >> before;
-        } else {
-            for (std::size_t at = 0; at < left; ++at) {
-                const bool found = ((window[at] == kSought) || ...);
-                places_ |= std::uint64_t{found} << at;
-            }
-        }
-    }
-
-    void LookAt(const char* window, std::size_t at) {
-        places_ |= std::uint64_t{Block(window + at).Places(kSought...)} << at;
+        places_ = PlacesInWindow(text_, position, kSought...);
     }
 
     std::string_view text_;
