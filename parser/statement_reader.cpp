@@ -56,6 +56,7 @@ int StatementReader::NextStatement(Terminator terminator, std::string& storage,
 
 int StatementReader::ReadStringValue(std::string_view start, Comments comments,
                                      std::string& value) {
+    value.reserve(std::size_t{1} << 16);
     bool ended = false;
     int result = start.empty() ? static_cast<int>(kOk) : ReadFirstPiece(start, value, ended);
     while (result == kOk && !ended) {

@@ -23,25 +23,8 @@ constexpr std::uint64_t kSecond = 0xd1b54a32d192ed03U;
 
 constexpr std::size_t kShort = sizeof(std::uint64_t);
 
-// The part of a key that tells lengths up to kShort apart.
-constexpr std::uint32_t kLengthBits = 4;
-constexpr std::uint32_t kLongLength = kShort + 1;
-
-std::uint32_t KeyOf(std::uint64_t hash, std::size_t length) {
-    const auto shown = static_cast<std::uint32_t>(std::min<std::size_t>(length, kLongLength));
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32)) << kLengthBits | shown;
-}
-
-// Some four fifths of the slots are taken at most, so that a search always ends at a free one.
-std::size_t SlotsFor(std::size_t count) { return count + count / 4; }
-
-std::uint64_t HashLong(std::string_view name, std::uint64_t seed) {
-    std::uint64_t hash = seed ^ name.size();
-    for (; name.size() > kShort; name.remove_prefix(kShort)) {
-        hash = Mix(hash ^ LoadWord(name.data()), kFirst);
-    }
-    return Mix(hash ^ ShortWord(name), kSecond);
-}
+// Some two thirds of the slots are taken at most, so that a search always ends at a free one.
+std::size_t SlotsFor(std::size_t count) { return count + count / 2; }
 
 }  // namespace
 
@@ -55,48 +38,64 @@ std::uint64_t NameTable::Seed() {
     return seed;
 }
 
-// What a name's slot holds, except for the number and the place of a long name.
-NameTable::Slot NameTable::SlotFor(std::string_view name) const {
-    if (name.size() > kShort) return {0, KeyOf(HashLong(name, seed_), name.size()), 0};
-    const std::uint64_t word = ShortWord(name);
-    return {word, KeyOf(Mix(word ^ seed_, kSecond ^ name.size()), name.size()), 0};
+NameTable::Sought::Sought(std::string_view text)
+    : name(text), word(text.size() > kShort ? 0 : ShortWord(text)) {}
+
+std::uint32_t NameTable::Hash(const Sought& sought) const {
+    std::uint64_t hash = Mix(sought.word ^ seed_, kFirst ^ sought.name.size());
+    if (sought.name.size() > kShort) {
+        std::string_view rest = sought.name;
+        for (; rest.size() > kShort; rest.remove_prefix(kShort)) {
+            hash = Mix(hash ^ LoadWord(rest.data()), kSecond);
+        }
+        hash = Mix(hash ^ ShortWord(rest), kSecond);
+    }
+    return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 
-std::string_view NameTable::LongName(const Slot& slot) const {
-    std::size_t length = 0;
-    std::memcpy(&length, long_names_.data() + slot.word, sizeof length);
-    return {long_names_.data() + slot.word + sizeof length, length};
+bool NameTable::Is(std::uint32_t number, const Sought& sought) const {
+    const auto& [word, length] = entries_[number];
+    if (length != sought.name.size()) return false;
+    if (length <= kShort) return word == sought.word;
+    return std::memcmp(long_names_.data() + word, sought.name.data(), length) == 0;
 }
 
-std::size_t NameTable::Place(const Slot& sought, std::string_view name) const {
+std::size_t NameTable::Place(std::uint32_t hash, const Sought& sought) const {
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t place = sought.key >> kLengthBits & mask;; place = (place + 1) & mask) {
-        const Slot& slot = slots_[place];
+    for (std::size_t place = hash & mask;; place = (place + 1) & mask) {
+        const Slot slot = slots_[place];
         if (slot.number == 0) return place;
-        if (slot.key != sought.key) continue;
-        if (name.size() <= kShort ? slot.word == sought.word : LongName(slot) == name) return place;
+        if (slot.hash == hash && Is(slot.number - 1, sought)) return place;
     }
 }
 
 int NameTable::Find(std::string_view name) const {
-    if (slots_.empty()) return kNone;
-    return static_cast<int>(slots_[Place(SlotFor(name), name)].number) - 1;
+    if (entries_.empty()) return kNone;
+    const Sought sought(name);
+    if (Is(last_found_, sought)) return static_cast<int>(last_found_);
+    std::uint32_t found = last_found_ + 1;
+    if (found == entries_.size() || !Is(found, sought)) {
+        const std::uint32_t number = slots_[Place(Hash(sought), sought)].number;
+        if (number == 0) return kNone;
+        found = number - 1;
+    }
+    last_found_ = found;
+    return static_cast<int>(found);
 }
 
 int NameTable::Add(std::string_view name) {
-    if (SlotsFor(count_ + std::size_t{1}) > slots_.size()) Resize(slots_.size() * 2);
-    Slot added = SlotFor(name);
-    Slot& slot = slots_[Place(added, name)];
+    if (SlotsFor(entries_.size() + 1) > slots_.size()) Resize(slots_.size() * 2);
+    const Sought sought(name);
+    const std::uint32_t hash = Hash(sought);
+    Slot& slot = slots_[Place(hash, sought)];
     if (slot.number == 0) {
+        Entry entry{sought.word, name.size()};
         if (name.size() > kShort) {
-            const std::size_t length = name.size();
-            char bytes[sizeof length];
-            std::memcpy(bytes, &length, sizeof length);
-            added.word = long_names_.size();
-            long_names_.append(bytes, sizeof bytes).append(name);
+            entry.word = long_names_.size();
+            long_names_.append(name);
         }
-        added.number = ++count_;
-        slot = added;
+        entries_.push_back(entry);
+        slot = {hash, static_cast<std::uint32_t>(entries_.size())};
     }
     return static_cast<int>(slot.number) - 1;
 }
@@ -104,6 +103,7 @@ int NameTable::Add(std::string_view name) {
 void NameTable::Clear() { *this = NameTable(); }
 
 void NameTable::Reserve(std::size_t count) {
+    entries_.reserve(count);
     if (SlotsFor(count) > slots_.size()) Resize(std::bit_ceil(SlotsFor(count)));
 }
 
@@ -111,9 +111,9 @@ void NameTable::Resize(std::size_t slot_count) {
     constexpr std::size_t kFewest = 16;
     std::vector<Slot> slots(std::max(slot_count, kFewest));
     const std::size_t mask = slots.size() - 1;
-    for (const Slot& slot : slots_) {
+    for (const Slot slot : slots_) {
         if (slot.number == 0) continue;
-        std::size_t place = slot.key >> kLengthBits & mask;
+        std::size_t place = slot.hash & mask;
         while (slots[place].number != 0) place = (place + 1) & mask;
         slots[place] = slot;
     }

@@ -24,26 +24,36 @@ public:
     void Clear();
 
 private:
-    // All that most searches have to look at is one slot: up to eight characters of a name are kept
-    // in it, as a number.
+    struct Entry {
+        std::uint64_t word;  // up to eight characters, as a number, or the place in `long_names_`
+        std::uint64_t length;
+    };
+    // A name that is sought.
+    struct Sought {
+        explicit Sought(std::string_view text);
+
+        std::string_view name;
+        std::uint64_t word;  // as in its entry when it is short
+    };
     struct Slot {
-        std::uint64_t word = 0;    // or where the name starts in `long_names_`
-        std::uint32_t key = 0;     // the hash; its lowest bits tell the length
+        std::uint32_t hash = 0;
         std::uint32_t number = 0;  // counted from 1; 0 in a free slot
     };
 
-    Slot SlotFor(std::string_view name) const;
+    bool Is(std::uint32_t number, const Sought& sought) const;
+    std::uint32_t Hash(const Sought& sought) const;
     // Where a name is, or the free place that it would take.
-    std::size_t Place(const Slot& sought, std::string_view name) const;
-    std::string_view LongName(const Slot& slot) const;
+    std::size_t Place(std::uint32_t hash, const Sought& sought) const;
     void Resize(std::size_t slot_count);
 
     static std::uint64_t Seed();
 
     std::uint64_t seed_ = Seed();
-    std::vector<Slot> slots_;  // a power of two long, or empty
-    std::uint32_t count_ = 0;
-    std::string long_names_;  // each behind its length
+    std::vector<Slot> slots_;     // a power of two long, or empty
+    std::vector<Entry> entries_;  // by number
+    std::string long_names_;
+    // Files mostly go on with the name that they had last, or with the one that came behind it.
+    mutable std::uint32_t last_found_ = 0;
 };
 
 }  // namespace bscan::detail
