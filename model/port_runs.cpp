@@ -6,14 +6,12 @@
 namespace bscan::detail {
 
 void PortRuns::Add(const PortRun& run) {
-    Item item{run, 0, run.count};
     if (begin() == end()) {
-        only_ = item;
+        only_ = {run, 0, run.count};
         return;
     }
     const Item& last = *(end() - 1);
-    item.before = last.before + last.run.count;
-    item.longest = std::max(last.longest, run.count);
+    const Item item{run, last.before + last.run.count, std::max(last.longest, run.count)};
     if (all_ == nullptr) {
         all_ = std::make_unique<std::vector<Item>>(std::initializer_list<Item>{only_, item});
     } else {

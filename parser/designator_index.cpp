@@ -3,8 +3,8 @@
 namespace bscan::detail {
 
 DesignatorIndex::DesignatorIndex(const PackagePinMap& package) {
-    names_.Reserve(static_cast<std::size_t>(package.GetNumberOfPins()));
-    for (int pin = 0; pin < package.GetNumberOfPins(); ++pin) names_.Add(package.GetPin(pin));
+    names_.Reserve(package.pins_.size());
+    for (const std::string& pin : package.pins_) names_.Add(pin);
 }
 
 int DesignatorIndex::Number(std::string_view designator) const {

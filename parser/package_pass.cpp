@@ -10,8 +10,6 @@
 #include "support/text_view.h"
 
 #include <algorithm>
-#include <charconv>
-#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -20,32 +18,6 @@ namespace {
 
 // The line that ends the search without a pin map.
 constexpr int kNoPinMapInFile = 1;
-
-// Splits a designator into its letters and the value of its digits, wherever they stand; other
-// characters do not count. In most designators the digits follow the letters.
-void AddPin(std::string_view designator, PinSet& pins) {
-    const auto add = [&](std::string_view letters, std::string_view digits) {
-        pins.Add(letters, static_cast<unsigned short>(DecimalValue(digits)));
-    };
-    const auto first_digit = std::find_if_not(designator.begin(), designator.end(), IsLetter);
-    if (std::all_of(first_digit, designator.end(), IsDigit)) {
-        const auto count = static_cast<std::size_t>(first_digit - designator.begin());
-        return add(designator.substr(0, count), designator.substr(count));
-    }
-    std::string letters;
-    std::string digits;
-    std::copy_if(designator.begin(), designator.end(), std::back_inserter(letters), IsLetter);
-    std::copy_if(designator.begin(), designator.end(), std::back_inserter(digits), IsDigit);
-    add(letters, digits);
-}
-
-std::string Designator(const PIN_NAME& pin) {
-    std::string designator = pin.letters;
-    char digits[8];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, pin.number);
-    static_cast<void>(error);
-    return designator.append(digits, static_cast<std::size_t>(end - digits));
-}
 
 }  // namespace
 
@@ -64,11 +36,14 @@ int PackagePass::Read() {
     result = reader_.ReadStringValue(ValueStart(first_line), Comments::kDrop, value);
     if (result != kOk) return result;
     PinSet pins;
-    for (const PIN_NAME& pin : parser_.pin_names_) pins.Add(pin.letters, pin.number);
+    // A pass that follows another adds to its pins.
+    if (const PackagePinMap* const known = parser_.GetPackageMap(0); known != nullptr) {
+        for (const std::string& pin : known->pins_) pins.Add(pin);
+    }
     if (!CollectPins(value, pins)) return kOk;
     std::string package(ConstantName(statement));
     LowerCase(package);
-    Publish(std::move(package), pins.Sorted());
+    Publish(std::move(package), pins.Designators());
     return kOk;
 }
 
@@ -94,24 +69,22 @@ bool PackagePass::CollectPins(std::string_view value, PinSet& pins) {
     for (PinMapEntry entry; cutter.Next(entry);) {
         for (std::string_view pin; TakePin(entry.pins, pin); any = true) {
             if (!any && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
-            AddPin(pin, pins);
+            pins.Add(pin);
         }
     }
     return any;
 }
 
-void PackagePass::Publish(std::string package, std::vector<PIN_NAME> pins) {
+void PackagePass::Publish(std::string package, std::vector<std::string> pins) {
     auto map = std::make_unique<PackagePinMap>();
     map->name_ = std::move(package);
-    map->pins_.reserve(pins.size());
-    for (const PIN_NAME& pin : pins) map->pins_.push_back(Designator(pin));
+    map->pins_ = std::move(pins);
     auto maps = std::make_unique<LObjList>();
     ListAccess::Objects(*maps).push_back(map.get());
 
     static_cast<void>(map.release());  // the list has it now
     parser_.DestroyPackageMaps();
     parser_.package_maps_ = std::move(maps);
-    parser_.pin_names_ = std::move(pins);
     parser_.designators_.reset();
 }
 

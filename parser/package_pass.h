@@ -26,7 +26,7 @@ public:
 private:
     int FindPinMap(std::string& first_line, std::string& statement);
     static bool CollectPins(std::string_view value, PinSet& pins);
-    void Publish(std::string package, std::vector<PIN_NAME> pins);
+    void Publish(std::string package, std::vector<std::string> pins);
 
     BScanParser& parser_;
     StatementReader reader_;

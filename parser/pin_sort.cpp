@@ -1,10 +1,10 @@
 #include "parser/pin_sort.h"
 
-#include <bscan/pin_order.h>
+#include "support/text_view.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
+#include <charconv>
+#include <iterator>
 #include <utility>
 
 namespace bscan::detail {
@@ -32,25 +32,39 @@ std::uint64_t Key(std::string_view letters, unsigned short number) {
     return key;
 }
 
-unsigned short NumberIn(std::uint64_t key) {
-    return static_cast<unsigned short>(0xFFFFU - (key >> kNumberShift));
-}
+std::uint64_t NumberIn(std::uint64_t key) { return 0xFFFFU - (key >> kNumberShift); }
 
-bool HoldsLetters(std::uint64_t key) { return (key >> kCountShift & kByteMask) <= kLettersInKey; }
+std::size_t LetterCountIn(std::uint64_t key) { return key >> kCountShift & kByteMask; }
 
-std::string LettersIn(std::uint64_t key) {
-    char letters[kLettersInKey];
-    const std::size_t count = key >> kCountShift & kByteMask;
-    for (std::size_t i = 0; i < count; ++i) {
-        letters[i] = static_cast<char>(key >> (kCountShift - kByte * (i + 1)) & kByteMask);
+bool HoldsLetters(std::uint64_t key) { return LetterCountIn(key) <= kLettersInKey; }
+
+// Puts the letters of a key at a place, and tells the place behind them.
+char* PutLetters(std::uint64_t key, char* place) {
+    unsigned shift = kCountShift;
+    for (std::size_t count = LetterCountIn(key); count > 0; --count) {
+        *place++ = static_cast<char>(key >> (shift -= kByte) & kByteMask);
     }
-    return {letters, count};
+    return place;
 }
 
 }  // namespace
 
-void PinSet::Add(std::string_view letters, unsigned short number) {
-    const std::uint64_t key = Key(letters, number);
+// In most designators the digits follow the letters.
+void PinSet::Add(std::string_view designator) {
+    const auto* const first_digit = std::find_if_not(designator.begin(), designator.end(), IsLetter);
+    if (std::all_of(first_digit, designator.end(), IsDigit)) {
+        const auto count = static_cast<std::size_t>(first_digit - designator.begin());
+        return Add(designator.substr(0, count), designator.substr(count));
+    }
+    std::string letters;
+    std::string digits;
+    std::copy_if(designator.begin(), designator.end(), std::back_inserter(letters), IsLetter);
+    std::copy_if(designator.begin(), designator.end(), std::back_inserter(digits), IsDigit);
+    Add(letters, digits);
+}
+
+void PinSet::Add(std::string_view letters, std::string_view digits) {
+    const std::uint64_t key = Key(letters, static_cast<unsigned short>(DecimalValue(digits)));
     if (!HoldsLetters(key)) letters_.emplace_back(letters);
     pins_.push_back({key, letters_.size()});
 }
@@ -73,10 +87,12 @@ void PinSet::SortByKey() {
     }
 }
 
-// Sorts the pins of each key that does not hold their letters.
+// Sorts the pins of each key that does not hold their letters: fewer letters come first.
 void PinSet::SortByLetters() {
     const auto smaller = [&](const Keyed& left, const Keyed& right) {
-        return ::operator<(letters_[left.letters - 1], letters_[right.letters - 1]);
+        const std::string_view a = Letters(left);
+        const std::string_view b = Letters(right);
+        return a.size() != b.size() ? a.size() < b.size() : a < b;
     };
     for (auto begin = pins_.begin(), end = begin; begin != pins_.end(); begin = end) {
         end = std::find_if(begin, pins_.end(),
@@ -85,22 +101,30 @@ void PinSet::SortByLetters() {
     }
 }
 
-std::vector<PIN_NAME> PinSet::Sorted() {
+void PinSet::Sort() {
     SortByKey();
     if (!letters_.empty()) SortByLetters();
     const auto equal = [&](const Keyed& left, const Keyed& right) {
-        return left.key == right.key && (HoldsLetters(left.key) || letters_[left.letters - 1] ==
-                                                                       letters_[right.letters - 1]);
+        return left.key == right.key && (HoldsLetters(left.key) || Letters(left) == Letters(right));
     };
     pins_.erase(std::unique(pins_.begin(), pins_.end(), equal), pins_.end());
-    std::vector<PIN_NAME> sorted;
-    sorted.reserve(pins_.size());
+}
+
+std::vector<std::string> PinSet::Designators() {
+    Sort();
+    std::vector<std::string> designators;
+    designators.reserve(pins_.size());
     for (const Keyed& pin : pins_) {
-        std::string letters =
-            HoldsLetters(pin.key) ? LettersIn(pin.key) : letters_[pin.letters - 1];
-        sorted.push_back({std::move(letters), NumberIn(pin.key)});
+        constexpr std::size_t kMostDigits = 5;
+        char text[kLettersInKey + kMostDigits];
+        const bool is_short = HoldsLetters(pin.key);
+        char* const digits = is_short ? PutLetters(pin.key, text) : text;
+        const char* const end = std::to_chars(digits, std::end(text), NumberIn(pin.key)).ptr;
+        std::string& designator =
+            is_short ? designators.emplace_back() : designators.emplace_back(Letters(pin));
+        designator.append(text, static_cast<std::size_t>(end - text));
     }
-    return sorted;
+    return designators;
 }
 
 }  // namespace bscan::detail

@@ -1,8 +1,6 @@
 // Bringing the pins of a package into their order.
 #pragma once
 
-#include <bscan/pin_name.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -11,24 +9,27 @@
 
 namespace bscan::detail {
 
-// Pins in the order of pin_smaller, each once. Most of them are never more than a number.
+// The pins of a package, each once.
 class PinSet {
 public:
-    // `letters` are the letters of a designator.
-    void Add(std::string_view letters, unsigned short number);
+    // Takes a designator: its letters and the value of its digits count, wherever they stand.
+    void Add(std::string_view designator);
 
-    // Brings the pins that were added into their order.
-    std::vector<PIN_NAME> Sorted();
+    // The designators of all pins, letters before digits, in the order of pin_smaller.
+    std::vector<std::string> Designators();
 
 private:
-    // What most pins are told by: a number that grows in their order.
+    // Most pins are told by a number that grows in their order.
     struct Keyed {
         std::uint64_t key;
-        std::size_t letters;  // the place in `letters_` of those that the key cannot hold
+        std::size_t letters;  // the place behind those in `letters_` that the key cannot hold
     };
 
+    void Add(std::string_view letters, std::string_view digits);
+    void Sort();
     void SortByKey();
     void SortByLetters();
+    std::string_view Letters(const Keyed& pin) const { return letters_[pin.letters - 1]; }
 
     std::vector<Keyed> pins_;
     std::vector<std::string> letters_;

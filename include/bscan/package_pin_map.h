@@ -9,6 +9,7 @@
 #include <vector>
 
 namespace bscan::detail {
+class DesignatorIndex;
 class PackagePass;
 }
 
@@ -44,6 +45,7 @@ public:
     int GetNumberOfPins() const;
 
 private:
+    friend class bscan::detail::DesignatorIndex;
     friend class bscan::detail::PackagePass;
 
     std::vector<std::string> pins_;

@@ -10,7 +10,6 @@
 #include <bscan/instruction_register.h>
 #include <bscan/object_list.h>
 #include <bscan/package_pin_map.h>
-#include <bscan/pin_name.h>
 #include <bscan/register_access.h>
 #include <bscan/result.h>
 
@@ -265,7 +264,6 @@ private:
 
     BSCAN_LOCAL void DestroyPackageMaps();
 
-    std::vector<PIN_NAME> pin_names_;
     std::unique_ptr<ErrorHandler> error_handler_;
     std::vector<CDifferentialPair> differential_pairs_;
     std::optional<std::string> bsdl_filename_;
