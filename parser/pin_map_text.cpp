@@ -6,25 +6,30 @@
 
 namespace bscan::detail {
 
-std::size_t PinMapCutter::Ahead::From(std::string_view text, std::size_t from) {
-    if (!searched_ || position_ < from) {
-        position_ = Find({text.data() + from, text.size() - from}, character_);
-        if (position_ != std::string_view::npos) position_ += from;
-    }
-    searched_ = true;
-    return position_;
-}
-
-PinMapCutter::PinMapCutter(std::string_view value) : value_(TrimRight(value)) {}
+PinMapCutter::PinMapCutter(std::string_view value) : value_(TrimRight(value)), separators_(value_) {}
 
 void PinMapCutter::SkipBlanks() {
     while (at_ < value_.size() && IsBlank(value_[at_])) ++at_;
 }
 
+std::size_t PinMapCutter::Next(char separator, bool& any) {
+    if (!any) return Separators::kNone;
+    separators_.SkipTo(at_);
+    for (;;) {
+        const std::size_t place = separators_.Next();
+        if (place == Separators::kNone) break;
+        if (value_[place] == separator) return place;
+    }
+    // The others may be wanted yet.
+    separators_ = Separators(value_);
+    any = false;
+    return Separators::kNone;
+}
+
 bool PinMapCutter::Next(PinMapEntry& entry) {
     if (at_ >= value_.size()) return false;
-    constexpr std::size_t kNone = std::string_view::npos;
-    if (const std::size_t colon = colon_.From(value_, at_); colon != kNone && colon > at_) {
+    constexpr std::size_t kNone = Separators::kNone;
+    if (const std::size_t colon = Next(':', any_colon_); colon != kNone && colon > at_) {
         port_ = TrimRight(Rest(colon - at_));
         at_ = colon + 1;
         SkipBlanks();
@@ -39,7 +44,7 @@ bool PinMapCutter::Next(PinMapEntry& entry) {
         at_ = std::min(closing + 1, value_.size());
         SkipBlanks();
     }
-    const std::size_t comma = comma_.From(value_, at_);
+    const std::size_t comma = Next(',', any_comma_);
     if (!is_group) entry.pins = TrimRight(Rest(comma == kNone ? kNone : comma - at_));
     if (comma != kNone) {
         at_ = comma + 1;

@@ -1,6 +1,8 @@
 // The text of pin map strings.
 #pragma once
 
+#include "support/search.h"
+
 #include <cstddef>
 #include <string_view>
 
@@ -21,27 +23,19 @@ public:
     bool Next(PinMapEntry& entry);
 
 private:
-    // Where a character comes next. A search that found nothing, or something far ahead, is not
-    // repeated for every entry.
-    class Ahead {
-    public:
-        explicit Ahead(char character) : character_(character) {}
-        std::size_t From(std::string_view text, std::size_t from);
+    using Separators = Marks<':', ','>;
 
-    private:
-        char character_;
-        bool searched_ = false;
-        std::size_t position_ = 0;
-    };
-
+    // The next place of a separator; kNone, and `any` cleared, when there is none.
+    std::size_t Next(char separator, bool& any);
     std::string_view Rest(std::size_t length) const { return value_.substr(at_, length); }
     void SkipBlanks();
 
     std::string_view value_;
+    Separators separators_;
     std::size_t at_ = 0;
     std::string_view port_;
-    Ahead colon_{':'};
-    Ahead comma_{','};
+    bool any_colon_ = true;  // in what is left
+    bool any_comma_ = true;
 };
 
 // Takes the next designator off the pins of an entry; false when none is left.

@@ -80,7 +80,9 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
     Line line;
     int result = lines_.Next(line);
     if (result != kOk) return result;
-    std::string_view rest = CutAt(line.text, '"').after;
+    // Mostly a piece begins its line.
+    std::string_view rest = line.text.front() == '"' ? line.text.substr(1)
+                                                     : CutAt(line.text, '"').after;
     if (!EndsPiece(rest)) {
         result = ReadLongPiece(line.comment, rest);
         if (result != kOk) return result;
