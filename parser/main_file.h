@@ -1,10 +1,15 @@
 // The one file of the main pass, which the process shares.
 #pragma once
 
+#include "support/file.h"
+
 namespace bscan::detail {
 
-// Closes the file that is open, if any, and opens another into fptrBSDL; false when that fails.
-bool OpenMainFile(const char* path);
+// Opens a file beside that of the main pass. There is room for one.
+FilePointer OpenFile(const char* path);
+
+// Closes the file of the main pass, if any, and lets the one just opened take its place in fptrBSDL.
+void SetMainFile(FilePointer file);
 
 // Closes the file and clears fptrBSDL; nothing happens when none is open.
 void CloseMainFile();

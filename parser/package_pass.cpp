@@ -5,7 +5,6 @@
 #include "parser/constant_text.h"
 #include "parser/designator_index.h"
 #include "parser/pin_map_text.h"
-#include "support/file.h"
 #include "support/list_access.h"
 #include "support/text_view.h"
 
@@ -20,12 +19,6 @@ namespace {
 constexpr int kNoPinMapInFile = 1;
 
 }  // namespace
-
-int ReadPackage(BScanParser& parser, const char* path) {
-    const auto buffer = std::make_unique_for_overwrite<char[]>(kFileBufferSize);
-    const FilePointer file = OpenForReading(path, {buffer.get(), kFileBufferSize});
-    return file == nullptr ? static_cast<int>(kCannotOpen) : PackagePass(parser, file.get()).Read();
-}
 
 int PackagePass::Read() {
     std::string first_line;

@@ -32,7 +32,4 @@ private:
     StatementReader reader_;
 };
 
-// Opens a file and runs the pass over it; a file that cannot be opened gives kCannotOpen.
-int ReadPackage(BScanParser& parser, const char* path);
-
 }  // namespace bscan::detail

@@ -50,9 +50,13 @@ int BScanParser::Initialize(const char* bsdlFile, const char* defaultDir) {
         int result = SetDefaultDir(defaultDir);
         if (result < 0) return result;
         if (bsdlFile != nullptr && *bsdlFile != '\0') bsdl_filename_ = std::string(bsdlFile);
-        result = ReadPackage(*this, GetBSDLFilename());
+        // Both passes read one stream, so that what the first one has in its buffer is not read again.
+        FilePointer file = OpenFile(GetBSDLFilename());
+        if (file == nullptr) return static_cast<int>(bscan::kCannotOpen);
+        result = PackagePass(*this, file.get()).Read();
         if (result < 0) return result;
-        if (!OpenMainFile(GetBSDLFilename())) return static_cast<int>(bscan::kFailed);
+        std::rewind(file.get());
+        SetMainFile(std::move(file));
         result = Reset();
         if (result < 0 || error_handler_ == nullptr) return result;
         error_handler_->directory_ = *default_directory_;

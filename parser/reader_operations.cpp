@@ -3,6 +3,7 @@
 #include <bscan/parser.h>
 
 #include "parser/designator_index.h"
+#include "parser/main_file.h"
 #include "parser/main_pass.h"
 #include "parser/package_pass.h"
 #include "support/border.h"
@@ -59,7 +60,11 @@ int BScanParser::MapPinNametoPinNumber(const char* pin) {
 }
 
 int BScanParser::ReadPackageDB(char* bsdlFile) {
-    return GuardedCode([&] { return ReadPackage(*this, bsdlFile); });
+    return GuardedCode([&] {
+        const FilePointer file = OpenFile(bsdlFile);
+        if (file == nullptr) return static_cast<int>(bscan::kCannotOpen);
+        return PackagePass(*this, file.get()).Read();
+    });
 }
 
 int BScanParser::ReadPortGroupingAttribute(FILE* file, const char* statement) {

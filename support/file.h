@@ -13,8 +13,9 @@ struct FileCloser {
 };
 using FilePointer = std::unique_ptr<FILE, FileCloser>;
 
-// The buffer that a stream has by itself costs a call of the system for each 4 KiB.
-inline constexpr std::size_t kFileBufferSize = std::size_t{1} << 15;
+// The buffer that a stream has by itself costs a call of the system for each 4 KiB. Most files fit
+// into this one.
+inline constexpr std::size_t kFileBufferSize = std::size_t{1} << 16;
 
 // Opens a regular file, or a directory (which then fails to be read). Pipes, sockets and devices
 // are not opened: they could block or never end. Null for a null or empty path, too. A buffer is

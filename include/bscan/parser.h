@@ -63,14 +63,13 @@ public:
     /// Prepares the reading of a file: numbers the pins of its first package when they have
     /// letters, opens it into #fptrBSDL and loads the error list.
     ///
-    /// @param bsdlFile  path of the file. It is opened twice, so it must be a regular file; a
-    ///        directory opens, and fails in Read().
+    /// @param bsdlFile  path of the file. It is read twice, so it must be a regular file; a directory
+    ///        opens, and fails in Read().
     /// @param defaultDir  directory of "ErrorList.txt" (see bscan/error_handler.h); null or empty
     ///        for the working directory. The file may be missing.
     /// @return bscan::kOk, bscan::kBadDirectory, bscan::kCannotOpen (also for a null or empty
-    ///         path), bscan::kFailed when the file could not be opened a second time, or what
-    ///         reading its package failed with. #fptrBSDL stays as it was unless the last step but
-    ///         the error list was reached.
+    ///         path), or what reading its package failed with. #fptrBSDL stays as it was unless the
+    ///         last step but the error list was reached.
     int Initialize(const char* bsdlFile, const char* defaultDir);
 
     /// Reads the file that Initialize() has opened, up to its "end" line.
