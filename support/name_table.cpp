@@ -23,8 +23,8 @@ constexpr std::uint64_t kSecond = 0xd1b54a32d192ed03U;
 
 constexpr std::size_t kShort = sizeof(std::uint64_t);
 
-// Some two thirds of the slots are taken at most, so that a search always ends at a free one.
-std::size_t SlotsFor(std::size_t count) { return count + count / 2; }
+// Half of the slots are taken at most: most searches end at the first.
+std::size_t SlotsFor(std::size_t count) { return count * 2; }
 
 }  // namespace
 
@@ -108,7 +108,7 @@ void NameTable::Reserve(std::size_t count) {
 }
 
 void NameTable::Resize(std::size_t slot_count) {
-    constexpr std::size_t kFewest = 16;
+    constexpr std::size_t kFewest = 1024;
     std::vector<Slot> slots(std::max(slot_count, kFewest));
     const std::size_t mask = slots.size() - 1;
     for (const Slot slot : slots_) {
