@@ -1,6 +1,7 @@
 // The lines of a BSDL file: without comments, trimmed, and never empty.
 #pragma once
 
+#include "support/file.h"
 #include "support/search.h"
 
 #include <cstddef>
@@ -28,6 +29,9 @@ public:
     // Delivers the next line with a text, which is valid until the stream is read again.
     int Next(Line& line);
     int Next(std::string_view& text);
+
+    // How much text may follow; 0 when the stream does not tell.
+    std::size_t BytesLeft() const { return detail::BytesLeft(file_); }
 
     // Delivers the next line that begins with a keyword, and passes over all others.
     int NextWith(std::string_view keyword, std::string_view& text);

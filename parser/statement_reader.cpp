@@ -4,8 +4,14 @@
 
 #include "support/text_view.h"
 
+#include <algorithm>
+
 namespace bscan::detail {
 namespace {
+
+// The room that most values fit into, and that most pieces leave free when they come to its end.
+constexpr std::size_t kMostValues = std::size_t{1} << 16;
+constexpr std::size_t kMostOfPiece = 2 * kPhysicalRead;
 
 const Terminator kPieceEnd = Terminator::AnyOf("&;");
 
@@ -56,14 +62,21 @@ int StatementReader::NextStatement(Terminator terminator, std::string& storage,
 
 int StatementReader::ReadStringValue(std::string_view start, Comments comments,
                                      std::string& value) {
-    value.reserve(std::size_t{1} << 16);
+    value.reserve(kMostValues);
     bool ended = false;
     int result = start.empty() ? static_cast<int>(kOk) : ReadFirstPiece(start, value, ended);
     while (result == kOk && !ended) {
+        if (value.capacity() - value.size() < kMostOfPiece) MakeRoom(value);
         result = ReadPiece(comments, value, ended);
         if (value.size() > kMaxStatementLength) return kTextTooLong;
     }
     return result;
+}
+
+// Grows a large value once, to what the file can hold of it, instead of again and again.
+void StatementReader::MakeRoom(std::string& value) const {
+    const std::size_t most = value.size() + lines_.BytesLeft();
+    if (most > value.capacity()) value.reserve(std::min(most, kMaxStatementLength));
 }
 
 int StatementReader::ReadFirstPiece(std::string_view start, std::string& value, bool& ended) {

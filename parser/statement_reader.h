@@ -66,6 +66,7 @@ public:
     int ReadStringValue(std::string_view start, Comments comments, std::string& value);
 
 private:
+    void MakeRoom(std::string& value) const;
     int ReadFirstPiece(std::string_view start, std::string& value, bool& ended);
     int ReadPiece(Comments comments, std::string& value, bool& ended);
     int ReadLongPiece(std::string_view& comment, std::string_view& rest);

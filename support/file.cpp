@@ -23,6 +23,16 @@ FilePointer OpenForReading(const char* path, std::span<char> buffer) {
     return FilePointer(file);
 }
 
+std::size_t BytesLeft(FILE* file) {
+    struct stat status {};
+    const int descriptor = fileno(file);
+    if (descriptor < 0 || fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+    const off_t position = ftello(file);
+    return position < 0 || position > status.st_size
+               ? 0
+               : static_cast<std::size_t>(status.st_size - position);
+}
+
 bool IsEnterableDirectory(const char* path) {
     struct stat status {};
     return stat(path, &status) == 0 && S_ISDIR(status.st_mode) && access(path, X_OK) == 0;
