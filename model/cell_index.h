@@ -10,10 +10,10 @@ class LBScanCell;
 
 namespace bscan::detail {
 
-// The cells of a cell table by one of their two names. It is learned after a few lookups, which walk,
-// and then kept: every cell stands under each name that it has borne since, and a lookup drops those
-// that no longer bear the name. So the answer is always the lowest position that a walk would stop at.
-// A lookup looks at no cell: the column knows the name of each.
+// The cells of a cell table by one of their two names. It is learned after a few lookups, which
+// walk, and then kept: every cell stands under each name that it has borne since, and a lookup
+// drops those that no longer bear the name. So the answer is always the lowest position that a walk
+// would stop at. A lookup looks at no cell: the column knows the name of each.
 class CellColumn {
 public:
     using Getter = const char* (LBScanCell::*)() const;

@@ -5,6 +5,7 @@
 
 #include "support/name_table.h"
 
+#include <cstddef>
 #include <string_view>
 
 namespace bscan::detail {
@@ -13,13 +14,16 @@ namespace bscan::detail {
 // are the same, so the numbers of the names are those of the pins, less 1.
 class DesignatorIndex {
 public:
-    explicit DesignatorIndex(const PackagePinMap& package);
+    explicit DesignatorIndex(const PackagePinMap& package) : package_(package) {}
 
-    // The number of the pin of that designator, from 1; 0 without one.
-    int Number(std::string_view designator) const;
+    // The number of the pin of that designator, from 1; 0 without one. The main pass mostly asks in
+    // the order in which the package pass has met the pins: then nothing has to be sought.
+    int Number(std::string_view designator);
 
 private:
-    NameTable names_;
+    const PackagePinMap& package_;
+    std::size_t next_ = 0;  // in the order of the pin map
+    NameTable names_;       // filled when it is wanted
 };
 
 }  // namespace bscan::detail

@@ -29,14 +29,15 @@ int PackagePass::Read() {
     result = reader_.ReadStringValue(ValueStart(first_line), Comments::kDrop, value);
     if (result != kOk) return result;
     PinSet pins;
+    if (!CollectPins(value, pins)) return kOk;
     // A pass that follows another adds to its pins.
     if (const PackagePinMap* const known = parser_.GetPackageMap(0); known != nullptr) {
         for (const std::string& pin : known->pins_) pins.Add(pin);
     }
-    if (!CollectPins(value, pins)) return kOk;
+    pins.Sort();
     std::string package(ConstantName(statement));
     LowerCase(package);
-    Publish(std::move(package), pins.Designators());
+    Publish(std::move(package), pins);
     return kOk;
 }
 
@@ -68,10 +69,11 @@ bool PackagePass::CollectPins(std::string_view value, PinSet& pins) {
     return any;
 }
 
-void PackagePass::Publish(std::string package, std::vector<std::string> pins) {
+void PackagePass::Publish(std::string package, const PinSet& pins) {
     auto map = std::make_unique<PackagePinMap>();
     map->name_ = std::move(package);
-    map->pins_ = std::move(pins);
+    map->pins_ = pins.Designators();
+    map->order_ = pins.Places();
     auto maps = std::make_unique<LObjList>();
     ListAccess::Objects(*maps).push_back(map.get());
 

@@ -26,7 +26,7 @@ public:
 private:
     int FindPinMap(std::string& first_line, std::string& statement);
     static bool CollectPins(std::string_view value, PinSet& pins);
-    void Publish(std::string package, std::vector<std::string> pins);
+    void Publish(std::string package, const PinSet& pins);
 
     BScanParser& parser_;
     StatementReader reader_;

@@ -32,11 +32,15 @@ int MainPass::ReadPinMap(std::string& statement) {
     PinMapCutter cutter(value_);
     for (PinMapEntry entry; cutter.Next(entry);) {
         int k = 0;
+        bool any_left = true;  // of the elements of the port
         for (std::string_view pin; TakePin(entry.pins, pin); ++k) {
-            LPinNode* const node = device.Element(entry.port, k);
-            if (node == nullptr) break;  // nor is there an element behind it
+            // Those beyond the port are looked up as well, so that all are in their order.
+            const int number = PinNumber(pin);
+            LPinNode* const node = any_left ? device.Element(entry.port, k) : nullptr;
+            any_left = node != nullptr;
+            if (!any_left) continue;
             DeviceBuilder::SetPinName(*node, pin);
-            node->SetPinNumber(PinNumber(pin));
+            node->SetPinNumber(number);
         }
     }
     return kOk;

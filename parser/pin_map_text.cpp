@@ -6,7 +6,8 @@
 
 namespace bscan::detail {
 
-PinMapCutter::PinMapCutter(std::string_view value) : value_(TrimRight(value)), separators_(value_) {}
+PinMapCutter::PinMapCutter(std::string_view value)
+    : value_(TrimRight(value)), separators_(value_) {}
 
 void PinMapCutter::SkipBlanks() {
     while (at_ < value_.size() && IsBlank(value_[at_])) ++at_;

@@ -51,7 +51,8 @@ char* PutLetters(std::uint64_t key, char* place) {
 
 // In most designators the digits follow the letters.
 void PinSet::Add(std::string_view designator) {
-    const auto* const first_digit = std::find_if_not(designator.begin(), designator.end(), IsLetter);
+    const auto* const first_digit =
+        std::find_if_not(designator.begin(), designator.end(), IsLetter);
     if (std::all_of(first_digit, designator.end(), IsDigit)) {
         const auto count = static_cast<std::size_t>(first_digit - designator.begin());
         return Add(designator.substr(0, count), designator.substr(count));
@@ -66,7 +67,8 @@ void PinSet::Add(std::string_view designator) {
 void PinSet::Add(std::string_view letters, std::string_view digits) {
     const std::uint64_t key = Key(letters, static_cast<unsigned short>(DecimalValue(digits)));
     if (!HoldsLetters(key)) letters_.emplace_back(letters);
-    pins_.push_back({key, letters_.size()});
+    pins_.push_back({key, static_cast<std::uint32_t>(letters_.size()),
+                     static_cast<std::uint32_t>(pins_.size())});
 }
 
 // Sorts by the bytes of the keys, from the lowest to the highest. Most bytes are the same in all
@@ -104,17 +106,28 @@ void PinSet::SortByLetters() {
 void PinSet::Sort() {
     SortByKey();
     if (!letters_.empty()) SortByLetters();
-    const auto equal = [&](const Keyed& left, const Keyed& right) {
-        return left.key == right.key && (HoldsLetters(left.key) || Letters(left) == Letters(right));
-    };
-    pins_.erase(std::unique(pins_.begin(), pins_.end(), equal), pins_.end());
 }
 
-std::vector<std::string> PinSet::Designators() {
-    Sort();
+bool PinSet::Equal(const Keyed& left, const Keyed& right) const {
+    return left.key == right.key && (HoldsLetters(left.key) || Letters(left) == Letters(right));
+}
+
+std::vector<std::uint32_t> PinSet::Places() const {
+    std::vector<std::uint32_t> places(pins_.size());
+    std::uint32_t place = 0;
+    for (std::size_t i = 0; i < pins_.size(); ++i) {
+        if (i > 0 && !Equal(pins_[i - 1], pins_[i])) ++place;
+        places[pins_[i].coming] = place;
+    }
+    return places;
+}
+
+std::vector<std::string> PinSet::Designators() const {
     std::vector<std::string> designators;
     designators.reserve(pins_.size());
-    for (const Keyed& pin : pins_) {
+    for (std::size_t i = 0; i < pins_.size(); ++i) {
+        const Keyed& pin = pins_[i];
+        if (i > 0 && Equal(pins_[i - 1], pin)) continue;
         constexpr std::size_t kMostDigits = 5;
         char text[kLettersInKey + kMostDigits];
         const bool is_short = HoldsLetters(pin.key);

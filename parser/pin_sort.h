@@ -15,20 +15,26 @@ public:
     // Takes a designator: its letters and the value of its digits count, wherever they stand.
     void Add(std::string_view designator);
 
-    // The designators of all pins, letters before digits, in the order of pin_smaller.
-    std::vector<std::string> Designators();
+    // Brings the pins into the order of pin_smaller.
+    void Sort();
+
+    // The designators of the sorted pins, letters before digits.
+    std::vector<std::string> Designators() const;
+    // The places of the sorted pins, in the order of their coming.
+    std::vector<std::uint32_t> Places() const;
 
 private:
     // Most pins are told by a number that grows in their order.
     struct Keyed {
         std::uint64_t key;
-        std::size_t letters;  // the place behind those in `letters_` that the key cannot hold
+        std::uint32_t letters;  // the place behind those in `letters_` that the key cannot hold
+        std::uint32_t coming;   // how many came before
     };
 
     void Add(std::string_view letters, std::string_view digits);
-    void Sort();
     void SortByKey();
     void SortByLetters();
+    bool Equal(const Keyed& left, const Keyed& right) const;
     std::string_view Letters(const Keyed& pin) const { return letters_[pin.letters - 1]; }
 
     std::vector<Keyed> pins_;

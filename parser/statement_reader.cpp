@@ -94,8 +94,8 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
     int result = lines_.Next(line);
     if (result != kOk) return result;
     // Mostly a piece begins its line.
-    std::string_view rest = line.text.front() == '"' ? line.text.substr(1)
-                                                     : CutAt(line.text, '"').after;
+    std::string_view rest =
+        line.text.front() == '"' ? line.text.substr(1) : CutAt(line.text, '"').after;
     if (!EndsPiece(rest)) {
         result = ReadLongPiece(line.comment, rest);
         if (result != kOk) return result;

@@ -19,6 +19,7 @@ public:
     int Find(std::string_view name) const;
     // The number of a name, which is added when it is new.
     int Add(std::string_view name);
+    bool IsEmpty() const { return entries_.empty(); }
     // Makes room for so many names in all.
     void Reserve(std::size_t count);
     void Clear();

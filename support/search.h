@@ -96,8 +96,8 @@ std::size_t Find(std::string_view text, Characters... sought) {
 // How many characters a window shows.
 inline constexpr std::size_t kWindow = 64;
 
-// Looks at the part of a text that begins at a position: one bit for each of its first 64 characters
-// that is one of those sought.
+// Looks at the part of a text that begins at a position: one bit for each of its first 64
+// characters that is one of those sought.
 template <class... Characters>
 std::uint64_t PlacesInWindow(std::string_view text, std::size_t position, Characters... sought) {
     if (position >= text.size()) return 0;

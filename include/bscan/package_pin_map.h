@@ -5,6 +5,7 @@
 #include <bscan/export.h>
 #include <bscan/object.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -49,5 +50,6 @@ private:
     friend class bscan::detail::PackagePass;
 
     std::vector<std::string> pins_;
+    std::vector<std::uint32_t> order_;  // the pins in the order of the pin map that named them
     std::string name_;
 };

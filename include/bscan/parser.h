@@ -63,7 +63,8 @@ public:
     /// Prepares the reading of a file: numbers the pins of its first package when they have
     /// letters, opens it into #fptrBSDL and loads the error list.
     ///
-    /// @param bsdlFile  path of the file. It is read twice, so it must be a regular file; a directory
+    /// @param bsdlFile  path of the file. It is read twice, so it must be a regular file; a
+    /// directory
     ///        opens, and fails in Read().
     /// @param defaultDir  directory of "ErrorList.txt" (see bscan/error_handler.h); null or empty
     ///        for the working directory. The file may be missing.

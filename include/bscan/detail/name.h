@@ -68,7 +68,9 @@ private:
         std::uint64_t high = 0;
     };
 
-    Words GetWords() const { return {Load<std::uint64_t>(bytes_), Load<std::uint64_t>(bytes_ + 8)}; }
+    Words GetWords() const {
+        return {Load<std::uint64_t>(bytes_), Load<std::uint64_t>(bytes_ + 8)};
+    }
     void SetWords(Words words) {
         std::memcpy(bytes_, &words.low, sizeof words.low);
         std::memcpy(bytes_ + 8, &words.high, sizeof words.high);
