@@ -12,6 +12,10 @@ struct PortRun {
     int first = 0;  // position of the first element in the pin list
     int count = 0;
     bool ascending = true;
+
+    int WithIndex(int vector_index) const {
+        return first + (ascending ? vector_index : count - 1 - vector_index);
+    }
 };
 
 // All elements of one name, as runs in the order of the pin list. Every search halves, so that a
@@ -36,13 +40,11 @@ private:
         int longest = 0;  // count of the longest run up to this one
     };
 
-    const Item* begin() const { return all_ == nullptr ? &only_ : all_->data(); }
-    const Item* end() const {
-        if (all_ != nullptr) return all_->data() + all_->size();
-        return &only_ + (only_.run.count > 0 ? 1 : 0);
-    }
+    PortRun Only() const;
 
-    Item only_;  // most names are declared once, which then takes no allocation
+    // Most names are declared once, which then takes no allocation.
+    int first_ = 0;
+    int count_ = 0;  // negative for descending indexes
     std::unique_ptr<std::vector<Item>> all_;
 };
 
