@@ -84,8 +84,9 @@ int NameTable::Find(std::string_view name) const {
 }
 
 int NameTable::Add(std::string_view name) {
-    if (SlotsFor(entries_.size() + 1) > slots_.size()) Resize(slots_.size() * 2);
     const Sought sought(name);
+    if (!entries_.empty() && Is(last_found_, sought)) return static_cast<int>(last_found_);
+    if (SlotsFor(entries_.size() + 1) > slots_.size()) Resize(slots_.size() * 2);
     const std::uint32_t hash = Hash(sought);
     Slot& slot = slots_[Place(hash, sought)];
     if (slot.number == 0) {
@@ -97,7 +98,8 @@ int NameTable::Add(std::string_view name) {
         entries_.push_back(entry);
         slot = {hash, static_cast<std::uint32_t>(entries_.size())};
     }
-    return static_cast<int>(slot.number) - 1;
+    last_found_ = slot.number - 1;
+    return static_cast<int>(last_found_);
 }
 
 void NameTable::Clear() { *this = NameTable(); }
