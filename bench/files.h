@@ -31,8 +31,8 @@ struct FileSet {
 /// @return the BSDL files of a directory in the order of their names; none when it is absent.
 FileSet DeviceFilesIn(const char* directory);
 
-/// Reads a file as the library's line reader does, 254 characters at the most at a time, and does
-/// nothing with what it reads: no reading on top of stdio can be faster.
+/// Reads the lines of a file with fgets, 254 characters at the most at a time, and does nothing
+/// with them.
 ///
 /// @return the number of reads.
 std::int64_t ReadLines(const std::string& path);

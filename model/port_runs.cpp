@@ -32,9 +32,8 @@ int PortRuns::At(int k) const {
 
 int PortRuns::CountBefore(int position) const {
     if (all_ == nullptr) return std::clamp(position - first_, 0, std::abs(count_));
-    const auto next = std::partition_point(all_->begin(), all_->end(), [&](const Item& item) {
-        return item.run.first < position;
-    });
+    const auto next = std::partition_point(
+        all_->begin(), all_->end(), [&](const Item& item) { return item.run.first < position; });
     if (next == all_->begin()) return 0;
     const Item& last = *(next - 1);
     return last.before + std::min(last.run.count, position - last.run.first);
@@ -45,9 +44,8 @@ int PortRuns::FirstWithIndex(int vector_index) const {
     if (all_ == nullptr) {
         return vector_index < std::abs(count_) ? Only().WithIndex(vector_index) : -1;
     }
-    const auto found = std::partition_point(all_->begin(), all_->end(), [&](const Item& item) {
-        return item.longest <= vector_index;
-    });
+    const auto found = std::partition_point(
+        all_->begin(), all_->end(), [&](const Item& item) { return item.longest <= vector_index; });
     return found == all_->end() ? -1 : found->run.WithIndex(vector_index);
 }
 

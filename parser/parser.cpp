@@ -50,8 +50,7 @@ int BScanParser::Initialize(const char* bsdlFile, const char* defaultDir) {
         int result = SetDefaultDir(defaultDir);
         if (result < 0) return result;
         if (bsdlFile != nullptr && *bsdlFile != '\0') bsdl_filename_ = std::string(bsdlFile);
-        // Both passes read one stream, so that what the first one has in its buffer is not read
-        // again.
+        // Both passes read one stream: to rewind it costs less than to open the file again.
         FilePointer file = OpenFile(GetBSDLFilename());
         if (file == nullptr) return static_cast<int>(bscan::kCannotOpen);
         result = PackagePass(*this, file.get()).Read();

@@ -110,7 +110,7 @@ void NameTable::Reserve(std::size_t count) {
 }
 
 void NameTable::Resize(std::size_t slot_count) {
-    constexpr std::size_t kFewest = 1024;
+    constexpr std::size_t kFewest = 1024;  // enough for most devices, in 8 KiB
     std::vector<Slot> slots(std::max(slot_count, kFewest));
     const std::size_t mask = slots.size() - 1;
     for (const Slot slot : slots_) {

@@ -2,9 +2,14 @@
 
 #include <bscan/pin_order.h>
 
+#include "parser/pin_sort.h"
 #include "support/read_device.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <set>
 
 namespace bscan::test {
 namespace {
@@ -29,6 +34,36 @@ TEST(PinOrder, PutsLargerNumbersFirst) {
         EXPECT_FALSE(pin_smaller(second, first)) << first.letters;
         EXPECT_FALSE(pin_smaller(first, first)) << first.letters;
     }
+}
+
+TEST(PinOrder, IsThatOfAPackage) {
+    std::mt19937 random(1149);
+    struct Smaller {
+        bool operator()(const PIN_NAME& a, const PIN_NAME& b) const { return pin_smaller(a, b); }
+    };
+    std::set<PIN_NAME, Smaller> expected;
+    detail::PinSet pins;
+    std::vector<std::string> added;
+    for (int i = 0; i < 3000; ++i) {
+        const std::size_t lengths[] = {0, 1, 2, 4, 5, 6, 7, 254, 255, 256, 300};
+        std::string letters;
+        for (std::size_t n = lengths[random() % 11]; n > 0; --n) letters += "AaB"[random() % 3];
+        // Most letters are the same, so that longer designators differ in few of them.
+        if (letters.size() > 4 && random() % 2 == 0) letters.assign(letters.size(), 'A');
+        const auto number =
+            static_cast<unsigned short>(random() % 2 == 0 ? random() : random() % 3);
+        expected.insert({letters, number});
+        added.push_back(letters + std::to_string(number));
+        pins.Add(added.back());
+    }
+    pins.Sort();
+    std::vector<std::string> sorted;
+    for (const PIN_NAME& pin : expected) sorted.push_back(pin.letters + std::to_string(pin.number));
+    const std::vector<std::string> designators = pins.Designators();
+    EXPECT_TRUE(designators == sorted);
+    const std::vector<std::uint32_t> places = pins.Places();
+    ASSERT_EQ(places.size(), added.size());
+    for (std::size_t i = 0; i < added.size(); ++i) EXPECT_EQ(designators.at(places[i]), added[i]);
 }
 
 std::string PackagePins(const BScanParser& parser) {
@@ -114,6 +149,9 @@ TEST(PinMap, GivesPortsTheirPins) {
         // Pins are found as written, not as numbered.
         {"P", "constant P:PIN_MAP_STRING:=\n\"D:(A01,A1,a1), d:a1\";", "- A01/-13 A1/1 a1/2 a1/2"},
         {"Q", "constant P:PIN_MAP_STRING:=\n\"TDI:A1,D:(7A,A2,12)\";", "A1/0 7A/7 A2/0 12/12 -"},
+        // Pins of a port that there is not, or beyond one, count for the others.
+        {"P", "constant P:PIN_MAP_STRING:=\n\"X:(B1,B2),TDI:(A2,A1),D:(A1,B2,B1,A3),d:A2\";",
+         "A2/2 A1/4 B2/3 B1/5 A2/2"},
         // Every constant counts, the first one numbers.
         {"P",
          "constant P:PIN_MAP_STRING:=\n\"TDI:A1,d:B1\";\n"

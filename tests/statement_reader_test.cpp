@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <functional>
+#include <random>
 
 namespace bscan::test {
 namespace {
@@ -49,14 +51,58 @@ TEST(Lines, AreCutTrimmedAndCounted) {
 }
 
 TEST(Lines, CommentIsThatOfTheDeliveredLine) {
-    const Stream stream("-- lost\nA -- kept -- twice \nB\nC --\n");
+    const Stream stream("-- lost\nA -- kept -- twice \nB\nC --\n -- last\n");
     BScanParser parser;
+    Text line("");
+    Text comment("before");
     for (const std::string expected : {"A|-- kept -- twice*", "B|", "C|--*"}) {
-        Text line("");
-        Text comment("before");
         ASSERT_EQ(parser.GetLine(stream, line, comment), kOk);
         EXPECT_EQ(+line + std::string("|") + +comment, expected);
     }
+    EXPECT_EQ(parser.GetLine(stream, line, comment), kReadFailed);
+    EXPECT_STREQ(comment, "-- last*") << "a line that is read sets it, even when it is empty";
+    Text untouched("before");
+    EXPECT_EQ(parser.GetLine(stream, line, untouched), kEndOfFile);
+    EXPECT_STREQ(untouched, "before");
+}
+
+TEST(Lines, AreTheSameHowMuchTheStreamReadsAhead) {
+    const TempDir directory;
+    std::mt19937 random(1149);
+    std::string text;
+    while (text.size() < 200'000) {
+        // Some lines are nearly as long as a read, and some are longer.
+        const std::size_t length = random() % 4 == 0 ? 240 + random() % 30 : random() % 60;
+        static constexpr std::string_view kCharacters{"ab \t-- \r\0;", 10};
+        for (std::size_t i = 0; i < length; ++i) text += kCharacters[random() % kCharacters.size()];
+        text += random() % 16 == 0 ? "--\n\n" : "\n";
+    }
+    text.pop_back();
+    const std::string path = directory.Write("lines", text);
+    std::vector<std::string> expected;
+    for (const std::size_t ahead : {0U, 100U, 300U, 4096U, 1U << 18}) {
+        std::vector<char> buffer(ahead);
+        FILE* const file = std::fopen(path.c_str(), "r");
+        ASSERT_NE(file, nullptr);
+        std::setvbuf(file, ahead == 0 ? nullptr : buffer.data(), ahead == 0 ? _IONBF : _IOFBF,
+                     ahead);
+        BScanParser parser;
+        std::vector<std::string> lines;
+        Text line("");
+        Text comment("");
+        int result = kOk;
+        while ((result = parser.GetLine(file, line, comment)) == kOk) {
+            lines.push_back(+line + std::string("|") + +comment + "|" +
+                            std::to_string(parser.GetLineNumber()) + "@" +
+                            std::to_string(std::ftell(file)));
+        }
+        EXPECT_EQ(result, kEndOfFile);
+        EXPECT_NE(std::feof(file), 0);
+        std::fclose(file);
+        if (expected.empty()) expected = lines;
+        EXPECT_TRUE(lines == expected) << ahead;
+    }
+    EXPECT_GT(expected.size(), 1000U);
 }
 
 using Complete = std::function<int(BScanParser&, FILE*, char*)>;
