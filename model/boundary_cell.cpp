@@ -15,15 +15,19 @@ LBScanCell::~LBScanCell() = default;
 LBScanCell::LBScanCell(const LBScanCell& other) : LBScanCell() { *this = other; }
 
 LBScanCell& LBScanCell::operator=(const LBScanCell& other) {
-    if (this != &other) GuardedQuietly([&] { CopyFrom(other); });
+    if (this == &other) return *this;
+    GuardedQuietly(
+        [&] { CopyFrom(other, other.pin_name_.View(), other.original_pin_name_.View()); });
     return *this;
 }
 
-void LBScanCell::CopyFrom(const LBScanCell& other) {
-    Name pin_name;
-    Name original_pin_name;
-    pin_name.Assign(other.pin_name_.View());
-    original_pin_name.Assign(other.original_pin_name_.View());
+// Copies every field but the names.
+void LBScanCell::CopyFrom(const LBScanCell& other, std::string_view pin_name,
+                          std::string_view original_pin_name) {
+    Name new_pin_name;
+    Name new_original_pin_name;
+    new_pin_name.Assign(pin_name);
+    new_original_pin_name.Assign(original_pin_name);
     position_ = other.position_;
     type_ = other.type_;
     node_ = other.node_;
@@ -33,8 +37,8 @@ void LBScanCell::CopyFrom(const LBScanCell& other) {
     disableValue = other.disableValue;
     disableResult = other.disableResult;
     cellValue = other.cellValue;
-    pin_name_.Swap(pin_name);
-    original_pin_name_.Swap(original_pin_name);
+    pin_name_.Swap(new_pin_name);
+    original_pin_name_.Swap(new_original_pin_name);
     NamesSet();
 }
 

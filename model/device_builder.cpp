@@ -143,14 +143,8 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
     return result;
 }
 
-void DeviceBuilder::NameCell(LBScanCell& cell, const char* name) {
-    Name pin_name;
-    Name original_name;
-    pin_name.Assign(name);
-    original_name.Assign(name);
-    cell.pin_name_.Swap(pin_name);
-    cell.original_pin_name_.Swap(original_name);
-    cell.NamesSet();
+void DeviceBuilder::CopyCell(LBScanCell& to, const LBScanCell& from) {
+    to.CopyFrom(from, from.pin_name_.View(), from.original_pin_name_.View());
 }
 
 LPinNode* DeviceBuilder::PortOfPinName(LBScanCell& cell) {

@@ -37,9 +37,11 @@ public:
     int AddCell(const CellFields& fields);
 
     // Makes a cell the copy of another, position and names included.
-    static void CopyCell(LBScanCell& to, const LBScanCell& from) { to.CopyFrom(from); }
-    // Gives a cell both its names.
-    static void NameCell(LBScanCell& cell, const char* name);
+    static void CopyCell(LBScanCell& to, const LBScanCell& from);
+    // The same, but both its names are another.
+    static void CopyCell(LBScanCell& to, const LBScanCell& from, std::string_view name) {
+        to.CopyFrom(from, name, name);
+    }
     // Finds the port of a cell by its pin name, which the lookup turns into upper case.
     LPinNode* PortOfPinName(LBScanCell& cell);
 

@@ -39,8 +39,7 @@ bool MainPass::CompletePair(CDifferentialPair& pair) {
 
     pair.SetPositiveBScanPosition(positive->GetBoundaryCellPosition());
     pair.SetNegativeBScanPosition(position);
-    DeviceBuilder::CopyCell(*negative, *positive);
-    DeviceBuilder::NameCell(*negative, pair.GetNegativeElement());
+    DeviceBuilder::CopyCell(*negative, *positive, pair.GetNegativeElement());
     negative->SetBoundaryCellPosition(position);
     DeviceBuilder::CopyCell(*control, *negative->GetControlCell());
     control->SetBoundaryCellPosition(position - 1);

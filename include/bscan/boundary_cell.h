@@ -7,6 +7,8 @@
 #include <bscan/object.h>
 #include <bscan/signal.h>
 
+#include <string_view>
+
 class LPinNode;
 
 namespace bscan::detail {
@@ -108,7 +110,8 @@ public:
 private:
     friend class bscan::detail::DeviceBuilder;
 
-    BSCAN_LOCAL void CopyFrom(const LBScanCell& other);
+    BSCAN_LOCAL void CopyFrom(const LBScanCell& other, std::string_view pin_name,
+                              std::string_view original_pin_name);
     BSCAN_LOCAL void NamesSet();
 
     bscan::detail::Name pin_name_;
