@@ -24,6 +24,7 @@ FilePointer OpenForReading(const char* path, std::span<char> buffer) {
 }
 
 std::size_t BytesLeft(FILE* file) {
+    if (file == nullptr) return 0;
     struct stat status {};
     const int descriptor = fileno(file);
     if (descriptor < 0 || fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return 0;

@@ -22,7 +22,8 @@ inline constexpr std::size_t kFileBufferSize = std::size_t{1} << 16;
 // used until the file is closed.
 FilePointer OpenForReading(const char* path, std::span<char> buffer = {});
 
-// How many bytes a file has behind the position of its stream; 0 for a stream that is no file.
+// How many bytes a file has behind the position of its stream; 0 for a stream that is no file, and
+// for null.
 std::size_t BytesLeft(FILE* file);
 
 // Whether a directory exists and may be entered.

@@ -208,6 +208,17 @@ TEST(StringValue, IsGatheredFromQuotedPieces) {
     }
 }
 
+TEST(StringValue, MayBeginWithMoreThanAStreamHolds) {
+    const std::string start = Repeated(200'000, 'x') + "\" &";
+    for (FILE* const stream : {static_cast<FILE*>(nullptr), std::fopen("/dev/null", "r")}) {
+        BScanParser parser;
+        LByteBuffer value;
+        EXPECT_EQ(parser.GetCompleteStringValue(stream, Text(start), &value, true), kReadFailed);
+        EXPECT_EQ(value.GetTotalSize(), 200'001U);
+        if (stream != nullptr) std::fclose(stream);
+    }
+}
+
 TEST(StringValue, NeedsABuffer) {
     BScanParser parser;
     const Stream unread("\"A\";\n");
