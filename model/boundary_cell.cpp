@@ -21,7 +21,7 @@ LBScanCell& LBScanCell::operator=(const LBScanCell& other) {
     return *this;
 }
 
-// Copies every field but the names.
+// Copies every field of another, but takes these names.
 void LBScanCell::CopyFrom(const LBScanCell& other, std::string_view pin_name,
                           std::string_view original_pin_name) {
     Name new_pin_name;

@@ -11,19 +11,18 @@
 #include <vector>
 
 namespace bscan::detail {
-
-int MainPass::ReadBoundaryRegister(std::string& statement) {
-    value_.clear();
-    const int result = reader_.ReadStringValue(ValueStart(statement), Comments::kKeep, value_);
-    return result == kOk ? RegisterCells(value_) : result;
-}
-
 namespace {
 
 // Copying it is faster than making a fresh one.
 constexpr CellFields kNothing;
 
 }  // namespace
+
+int MainPass::ReadBoundaryRegister(std::string& statement) {
+    value_.clear();
+    const int result = reader_.ReadStringValue(ValueStart(statement), Comments::kKeep, value_);
+    return result == kOk ? RegisterCells(value_) : result;
+}
 
 int MainPass::RegisterCells(std::string_view value) {
     std::vector<RegisterEntry> entries;

@@ -8,11 +8,8 @@ namespace bscan::detail {
 
 int DesignatorIndex::Number(std::string_view designator) {
     if (next_ < package_.order_.size()) {
-        const std::uint32_t place = package_.order_[next_];
-        if (package_.pins_[place] == designator) {
-            ++next_;
-            return static_cast<int>(place) + 1;
-        }
+        const std::uint32_t place = package_.order_[next_++];
+        if (package_.pins_[place] == designator) return static_cast<int>(place) + 1;
     }
     if (names_.IsEmpty()) {
         NameTable names;

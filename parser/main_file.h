@@ -5,7 +5,7 @@
 
 namespace bscan::detail {
 
-// Opens a file beside that of the main pass. There is room for one.
+// Opens a file beside that of the main pass, to take its place.
 FilePointer OpenFile(const char* path);
 
 // Closes the file of the main pass, if any, and lets the one just opened take its place in

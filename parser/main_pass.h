@@ -54,6 +54,8 @@ private:
     int ReadEntityLines(std::string& statement);
     bool EnsurePinMap();
     const PackagePinMap* SelectedPackage() const;
+    bool SelectsPackage();
+    int NumberInPackage(std::string_view designator);
     int ReadLastWord(std::string& statement, std::string_view& word);
     int ReadNameList(std::string& statement, const NameList& list);
     bool AddInstruction(NameListEntry& entry);

@@ -29,13 +29,14 @@ int MainPass::ReadPinMap(std::string& statement) {
     const int result = reader_.ReadStringValue(ValueStart(statement), Comments::kDrop, value_);
     if (result != kOk || parser_.pin_map_ == nullptr) return result;
     DeviceBuilder device(*parser_.pin_map_);
+    const bool by_package = SelectsPackage();
     PinMapCutter cutter(value_);
     for (PinMapEntry entry; cutter.Next(entry);) {
         int k = 0;
         bool any_left = true;  // of the elements of the port
         for (std::string_view pin; TakePin(entry.pins, pin); ++k) {
             // Those beyond the port are looked up as well, so that all are in their order.
-            const int number = PinNumber(pin);
+            const int number = by_package ? NumberInPackage(pin) : DecimalValue(pin);
             LPinNode* const node = any_left ? device.Element(entry.port, k) : nullptr;
             any_left = node != nullptr;
             if (!any_left) continue;
@@ -56,14 +57,23 @@ const PackagePinMap* MainPass::SelectedPackage() const {
     return nullptr;
 }
 
-int MainPass::PinNumber(std::string_view designator) {
+// Whether a package is selected, which then numbers the pins.
+bool MainPass::SelectsPackage() {
     if (parser_.designators_ == nullptr) {
         const PackagePinMap* const package = SelectedPackage();
-        if (package == nullptr) return DecimalValue(designator);
+        if (package == nullptr) return false;
         parser_.designators_ = std::make_unique<DesignatorIndex>(*package);
     }
+    return true;
+}
+
+int MainPass::NumberInPackage(std::string_view designator) {
     const int number = parser_.designators_->Number(designator);
     return number == 0 ? static_cast<int>(kUnknownPin) : number;
+}
+
+int MainPass::PinNumber(std::string_view designator) {
+    return SelectsPackage() ? NumberInPackage(designator) : DecimalValue(designator);
 }
 
 }  // namespace bscan::detail

@@ -3,10 +3,12 @@
 #include <bscan/parser.h>
 
 #include "parser/designator_index.h"
-#include "parser/main_file.h"
 #include "parser/main_pass.h"
 #include "parser/package_pass.h"
 #include "support/border.h"
+#include "support/file.h"
+
+#include <memory>
 
 using namespace bscan::detail;
 
@@ -61,7 +63,8 @@ int BScanParser::MapPinNametoPinNumber(const char* pin) {
 
 int BScanParser::ReadPackageDB(char* bsdlFile) {
     return GuardedCode([&] {
-        const FilePointer file = OpenFile(bsdlFile);
+        const auto buffer = std::make_unique_for_overwrite<char[]>(kFileBufferSize);
+        const FilePointer file = OpenForReading(bsdlFile, {buffer.get(), kFileBufferSize});
         if (file == nullptr) return static_cast<int>(bscan::kCannotOpen);
         return PackagePass(*this, file.get()).Read();
     });

@@ -57,9 +57,8 @@ int BScanParser::GetLine(FILE* file, char* line, char* comment) {
         const int result = reader.Next(next);
         // Each physical read sets the comment anew, whether or not its line is delivered.
         if (comment != nullptr && line_number_ != lines_before) {
-            std::string text(next.comment);
-            if (!text.empty()) text.push_back('*');
-            Put(comment, text);
+            Put(comment, next.comment);
+            if (!next.comment.empty()) Put(comment + next.comment.size(), "*");
         }
         if (result == bscan::kOk) Put(line, next.text);
         return result;

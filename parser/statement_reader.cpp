@@ -9,9 +9,10 @@
 namespace bscan::detail {
 namespace {
 
-// The room that most values fit into, and that most pieces leave free when they come to its end.
-constexpr std::size_t kMostValues = std::size_t{1} << 16;
-constexpr std::size_t kMostOfPiece = 2 * kPhysicalRead;
+// The room that a value has from the beginning, which is enough for most, and how little may be
+// left of it before there is more.
+constexpr std::size_t kFirstRoom = std::size_t{1} << 16;
+constexpr std::size_t kLeastRoom = 2 * kPhysicalRead;
 
 const Terminator kPieceEnd = Terminator::AnyOf("&;");
 
@@ -62,11 +63,11 @@ int StatementReader::NextStatement(Terminator terminator, std::string& storage,
 
 int StatementReader::ReadStringValue(std::string_view start, Comments comments,
                                      std::string& value) {
-    value.reserve(kMostValues);
+    value.reserve(kFirstRoom);
     bool ended = false;
     int result = start.empty() ? static_cast<int>(kOk) : ReadFirstPiece(start, value, ended);
     while (result == kOk && !ended) {
-        if (value.capacity() - value.size() < kMostOfPiece) MakeRoom(value);
+        if (value.capacity() - value.size() < kLeastRoom) MakeRoom(value);
         result = ReadPiece(comments, value, ended);
         if (value.size() > kMaxStatementLength) return kTextTooLong;
     }
@@ -95,14 +96,14 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
     if (result != kOk) return result;
     // Mostly a piece begins its line.
     std::string_view rest =
-        line.text.front() == '"' ? line.text.substr(1) : CutAt(line.text, '"').after;
+        TrimLeft(line.text.front() == '"' ? line.text.substr(1) : CutAt(line.text, '"').after);
     if (!EndsPiece(rest)) {
         result = ReadLongPiece(line.comment, rest);
         if (result != kOk) return result;
     }
     // The ';' may stand on a line of its own behind the last piece.
     ended = EndsValue(rest);
-    value.append(UpToQuote(TrimLeft(rest)));
+    value.append(UpToQuote(rest));
     if (comments == Comments::kKeep && !line.comment.empty()) {
         value.append(1, ' ').append(line.comment).push_back('*');
     }
@@ -114,7 +115,7 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
 int StatementReader::ReadLongPiece(std::string_view& comment, std::string_view& rest) {
     comment_.assign(comment);
     comment = comment_;
-    extended_.assign(TrimLeft(rest));
+    extended_.assign(rest);
     const int result = Complete(extended_, kPieceEnd);
     rest = extended_;
     return result;

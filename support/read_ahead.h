@@ -8,8 +8,10 @@
 namespace bscan::detail {
 
 // The characters that reading the stream gives next, without a call of the system and without
-// copying them. There may be none. They are valid until the stream is read in another way.
+// copying them. There may be none; there is none before the stream is known to be one of bytes,
+// which the first other reading settles. They are valid until the stream is read in another way.
 inline std::string_view ReadAhead(const FILE* file) {
+    if (file->_mode >= 0) return {};
     return {file->_IO_read_ptr, static_cast<std::size_t>(file->_IO_read_end - file->_IO_read_ptr)};
 }
 

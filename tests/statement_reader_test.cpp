@@ -190,6 +190,7 @@ TEST(StringValue, IsGatheredFromQuotedPieces) {
                 {"", "\"A\" & -- 1\n-- x\n\"B\";-- 2\n", kOk, "A -- 1* B -- 2* ", true},
                 {"", "\"A:1,\nB:2\";\n\"C\";\n", kOk, "A:1, B:2 "},
                 {"", "\"A,\"\n\"B\";\n\"C\";\n", kOk, "A, "},  // without ampersand
+                {"", "\"\nA\" &\n\"B\";\n", kOk, " A B "},     // the blank that joins lines stays
                 {"", "\"A\" &\n\"B\" &\n", kReadFailed, "A B "},
                 {"", "\"A\" &\n\"B\"", kEndOfFile, "A "},
                 {"A", "B\n", kReadFailed, ""}};

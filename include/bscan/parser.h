@@ -10,6 +10,7 @@
 #include <bscan/instruction_register.h>
 #include <bscan/object_list.h>
 #include <bscan/package_pin_map.h>
+#include <bscan/pin_name.h>
 #include <bscan/register_access.h>
 #include <bscan/result.h>
 
@@ -64,8 +65,7 @@ public:
     /// letters, opens it into #fptrBSDL and loads the error list.
     ///
     /// @param bsdlFile  path of the file. It is read twice, so it must be a regular file; a
-    /// directory
-    ///        opens, and fails in Read().
+    ///        directory opens, and fails in Read().
     /// @param defaultDir  directory of "ErrorList.txt" (see bscan/error_handler.h); null or empty
     ///        for the working directory. The file may be missing.
     /// @return bscan::kOk, bscan::kBadDirectory, bscan::kCannotOpen (also for a null or empty
