@@ -29,10 +29,7 @@ int Extend(char* buffer, std::size_t held, std::string_view text) {
 }
 
 // Lines and their comments always fit.
-void Put(char* buffer, std::string_view text) {
-    std::memcpy(buffer, text.data(), text.size());
-    buffer[text.size()] = '\0';
-}
+void Put(char* buffer, std::string_view text) { buffer[text.copy(buffer, text.size())] = '\0'; }
 
 int CompleteIn(std::int64_t& lines, FILE* file, char* statement, Terminator terminator) {
     if (statement == nullptr) return bscan::kFailed;
