@@ -1,5 +1,7 @@
 #include "parser/pin_sort.h"
 
+#include <bscan/pin_order.h>
+
 #include "support/text_view.h"
 
 #include <algorithm>
@@ -92,9 +94,7 @@ void PinSet::SortByKey() {
 // Sorts the pins of each key that does not hold their letters: fewer letters come first.
 void PinSet::SortByLetters() {
     const auto smaller = [&](const Keyed& left, const Keyed& right) {
-        const std::string_view a = Letters(left);
-        const std::string_view b = Letters(right);
-        return a.size() != b.size() ? a.size() < b.size() : a < b;
+        return ::operator<(Letters(left), Letters(right));
     };
     for (auto begin = pins_.begin(), end = begin; begin != pins_.end(); begin = end) {
         end = std::find_if(begin, pins_.end(),

@@ -35,7 +35,7 @@ private:
     void SortByKey();
     void SortByLetters();
     bool Equal(const Keyed& left, const Keyed& right) const;
-    std::string_view Letters(const Keyed& pin) const { return letters_[pin.letters - 1]; }
+    const std::string& Letters(const Keyed& pin) const { return letters_[pin.letters - 1]; }
 
     std::vector<Keyed> pins_;
     std::vector<std::string> letters_;
