@@ -70,17 +70,19 @@ std::size_t NameTable::Place(std::uint32_t hash, const Sought& sought) const {
 }
 
 int NameTable::Find(std::string_view name) const {
-    if (entries_.empty()) return kNone;
     const Sought sought(name);
-    if (Is(last_found_, sought)) return static_cast<int>(last_found_);
-    std::uint32_t found = last_found_ + 1;
-    if (found == entries_.size() || !Is(found, sought)) {
-        const std::uint32_t number = slots_[Place(Hash(sought), sought)].number;
-        if (number == 0) return kNone;
-        found = number - 1;
+    // Files mostly go on with the name that they had last, or with one that came close to it.
+    for (const int distance : {0, 1, -1, 2, -2}) {
+        const std::uint32_t number = last_found_ + static_cast<std::uint32_t>(distance);
+        if (number >= entries_.size() || !Is(number, sought)) continue;
+        last_found_ = number;
+        return static_cast<int>(number);
     }
-    last_found_ = found;
-    return static_cast<int>(found);
+    if (entries_.empty()) return kNone;
+    const std::uint32_t number = slots_[Place(Hash(sought), sought)].number;
+    if (number == 0) return kNone;
+    last_found_ = number - 1;
+    return static_cast<int>(last_found_);
 }
 
 int NameTable::Add(std::string_view name) {
@@ -89,17 +91,18 @@ int NameTable::Add(std::string_view name) {
     if (SlotsFor(entries_.size() + 1) > slots_.size()) Resize(slots_.size() * 2);
     const std::uint32_t hash = Hash(sought);
     Slot& slot = slots_[Place(hash, sought)];
-    if (slot.number == 0) {
-        Entry entry{sought.word, name.size()};
-        if (name.size() > kShort) {
-            entry.word = long_names_.size();
-            long_names_.append(name);
-        }
-        entries_.push_back(entry);
-        slot = {hash, static_cast<std::uint32_t>(entries_.size())};
+    if (slot.number != 0) {
+        last_found_ = slot.number - 1;
+        return static_cast<int>(last_found_);
     }
-    last_found_ = slot.number - 1;
-    return static_cast<int>(last_found_);
+    Entry entry{sought.word, name.size()};
+    if (name.size() > kShort) {
+        entry.word = long_names_.size();
+        long_names_.append(name);
+    }
+    entries_.push_back(entry);
+    slot = {hash, static_cast<std::uint32_t>(entries_.size())};
+    return static_cast<int>(slot.number - 1);
 }
 
 void NameTable::Clear() { *this = NameTable(); }

@@ -53,8 +53,7 @@ private:
     std::vector<Slot> slots_;     // a power of two long, or empty
     std::vector<Entry> entries_;  // by number
     std::string long_names_;
-    // Files mostly go on with the name that they had last, or with the one that came behind it.
-    mutable std::uint32_t last_found_ = 0;
+    mutable std::uint32_t last_found_ = 0;  // where the next search begins
 };
 
 }  // namespace bscan::detail
