@@ -12,7 +12,7 @@ namespace {
 
 int Walk(CellColumn::Getter name, std::string_view sought, const LBScanCell* cells, int count) {
     for (int position = 0; position < count; ++position) {
-        if (EqualIgnoringCase((cells[position].*name)(), sought)) return position;
+        if (EqualIgnoringCase(name(cells[position]), sought)) return position;
     }
     return -1;
 }
@@ -28,7 +28,7 @@ std::string_view CellColumn::Folded(std::string_view name) {
 }
 
 int CellColumn::Bear(std::string_view name, int position) {
-    const int number = names_.Add(Folded(name));
+    const int number = names_.Add(name);
     if (static_cast<std::size_t>(number) == bearers_.size()) bearers_.emplace_back();
     name_numbers_[static_cast<std::size_t>(position)] = number;
     return number;
@@ -38,13 +38,14 @@ void CellColumn::Learn(const LBScanCell* cells, int count) {
     Forget();
     const auto size = static_cast<std::size_t>(count);
     name_numbers_.resize(size);
-    next_.assign(size, -1);
-    for (int position = 0; position < count; ++position) {
-        const int number = Bear((cells[position].*name_)(), position);
-        Bearers& bearers = bearers_[static_cast<std::size_t>(number)];
-        (bearers.last < 0 ? bearers.first : next_[static_cast<std::size_t>(bearers.last)]) =
-            position;
-        bearers.last = position;
+    next_.resize(size);
+    if (mostly_own_) names_.Reserve(size);
+    // From the last cell, so that each comes in front of those that it is to lead to.
+    for (int position = count - 1; position >= 0; --position) {
+        const int number = Bear(Folded(name_(cells[position])), position);
+        int& learned = bearers_[static_cast<std::size_t>(number)].learned;
+        next_[static_cast<std::size_t>(position)] = learned;
+        learned = position;
     }
     known_ = true;
 }
@@ -59,44 +60,60 @@ void CellColumn::Forget() {
     renamings_ = 0;
 }
 
+bool CellColumn::Bears(int position, int number) const {
+    return name_numbers_[static_cast<std::size_t>(position)] == number;
+}
+
 void CellColumn::Renamed(const LBScanCell* cells, int position) noexcept {
     if (!known_) return;
-    if (++renamings_ > 4 * next_.size()) return Forget();
     try {
-        const int number = Bear((cells[position].*name_)(), position);
-        int& number_of_heap = bearers_[static_cast<std::size_t>(number)].heap;
-        if (number_of_heap < 0) {
-            heaps_.emplace_back();
-            number_of_heap = static_cast<int>(heaps_.size()) - 1;
-        }
-        Heap& heap = heaps_[static_cast<std::size_t>(number_of_heap)];
-        heap.push_back(position);
-        std::push_heap(heap.begin(), heap.end(), std::greater<>());
+        const std::string_view name = Folded(name_(cells[position]));
+        if (names_.Is(name_numbers_[static_cast<std::size_t>(position)], name)) return;
+        if (++renamings_ > 4 * next_.size()) return Forget();
+        AddRenamed(Bear(name, position), position);
     } catch (...) {
         Forget();
     }
 }
 
-// The lowest of the cells that were learned under a name and still bear it; -1 without one.
-int CellColumn::FirstLearned(int number) {
-    int& first = bearers_[static_cast<std::size_t>(number)].first;
-    while (first >= 0 && name_numbers_[static_cast<std::size_t>(first)] != number) {
-        first = next_[static_cast<std::size_t>(first)];
+void CellColumn::AddRenamed(int number, int position) {
+    int& renamed = bearers_[static_cast<std::size_t>(number)].renamed;
+    if (renamed == kNone || renamed == position || (renamed >= 0 && !Bears(renamed, number))) {
+        renamed = position;
+        return;
     }
+    if (renamed >= 0) {
+        heaps_.push_back({renamed});
+        renamed = kFirstHeap - static_cast<int>(heaps_.size() - 1);
+    }
+    Heap& heap = HeapOf(renamed);
+    heap.push_back(position);
+    std::push_heap(heap.begin(), heap.end(), std::greater<>());
+}
+
+CellColumn::Heap& CellColumn::HeapOf(int renamed) {
+    return heaps_[static_cast<std::size_t>(kFirstHeap - renamed)];
+}
+
+// The lowest of the cells that were learned under a name and still bear it.
+int CellColumn::FirstLearned(int number) {
+    int& first = bearers_[static_cast<std::size_t>(number)].learned;
+    while (first >= 0 && !Bears(first, number)) first = next_[static_cast<std::size_t>(first)];
     return first;
 }
 
-// The lowest of the cells that have got a name since and still bear it; -1 without one.
+// The lowest of the cells that have got a name since and still bear it.
 int CellColumn::FirstRenamed(int number) {
-    const int number_of_heap = bearers_[static_cast<std::size_t>(number)].heap;
-    if (number_of_heap < 0) return -1;
-    Heap& heap = heaps_[static_cast<std::size_t>(number_of_heap)];
+    const int renamed = bearers_[static_cast<std::size_t>(number)].renamed;
+    if (renamed == kNone) return kNone;
+    if (renamed >= 0) return Bears(renamed, number) ? renamed : kNone;
+    Heap& heap = HeapOf(renamed);
     while (!heap.empty()) {
-        if (name_numbers_[static_cast<std::size_t>(heap.front())] == number) return heap.front();
+        if (Bears(heap.front(), number)) return heap.front();
         std::pop_heap(heap.begin(), heap.end(), std::greater<>());
         heap.pop_back();
     }
-    return -1;
+    return kNone;
 }
 
 int CellColumn::First(std::string_view name, const LBScanCell* cells, int count) {
@@ -114,14 +131,19 @@ int CellColumn::First(std::string_view name, const LBScanCell* cells, int count)
         Forget();
         return Walk(name_, name, cells, count);
     }
-    if (number == NameTable::kNone) return -1;
+    if (number == NameTable::kNone) return kNone;
     const int learned = FirstLearned(number);
     const int renamed = FirstRenamed(number);
     return learned < 0 || renamed < 0 ? std::max(learned, renamed) : std::min(learned, renamed);
 }
 
-CellIndex::CellIndex()
-    : pin_names_(&LBScanCell::GetPinName), original_names_(&LBScanCell::GetOriginalPinName) {}
+CellIndex::CellIndex() : pin_names_(PinName, true), original_names_(OriginalName, false) {}
+
+std::string_view CellIndex::PinName(const LBScanCell& cell) { return cell.pin_name_.View(); }
+
+std::string_view CellIndex::OriginalName(const LBScanCell& cell) {
+    return cell.original_pin_name_.View();
+}
 
 void CellIndex::SetTable(const LBScanCell* cells, int count) {
     cells_ = cells;

@@ -16,9 +16,10 @@ namespace bscan::detail {
 // would stop at. A lookup looks at no cell: the column knows the name of each.
 class CellColumn {
 public:
-    using Getter = const char* (LBScanCell::*)() const;
+    using Getter = std::string_view (*)(const LBScanCell& cell);
 
-    explicit CellColumn(Getter name) : name_(name) {}
+    // Room is made for as many names as there are cells when most cells bear a name of their own.
+    CellColumn(Getter name, bool mostly_own) : name_(name), mostly_own_(mostly_own) {}
 
     // The lowest position of a cell that bears a name, letter case ignored; -1 without one.
     int First(std::string_view name, const LBScanCell* cells, int count);
@@ -27,10 +28,13 @@ public:
     void Forget();
 
 private:
+    static constexpr int kNone = -1;
+    static constexpr int kFirstHeap = -2;
+
+    // The cells under one name.
     struct Bearers {
-        int first = -1;  // lowest of those learned; next_ leads on
-        int last = -1;
-        int heap = -1;  // of those that got the name since; -1 without any
+        int learned = kNone;  // the lowest of those learned; next_ leads on
+        int renamed = kNone;  // the only one that got the name since; from kFirstHeap down, a heap
     };
     using Heap = std::vector<int>;  // the lowest position on top
 
@@ -38,10 +42,14 @@ private:
     std::string_view Folded(std::string_view name);
     // Lets a cell bear a name, and tells the number of the name.
     int Bear(std::string_view name, int position);
+    bool Bears(int position, int number) const;
+    void AddRenamed(int number, int position);
+    Heap& HeapOf(int renamed);
     int FirstLearned(int number);
     int FirstRenamed(int number);
 
     Getter name_;
+    bool mostly_own_;
     bool known_ = false;
     int walks_ = 0;  // lookups before it was learned
     NameTable names_;
@@ -68,6 +76,8 @@ public:
     void OriginalNameSet(const LBScanCell& cell) noexcept;
 
 private:
+    static std::string_view PinName(const LBScanCell& cell);
+    static std::string_view OriginalName(const LBScanCell& cell);
     int PositionOf(const LBScanCell& cell) const;
 
     const LBScanCell* cells_ = nullptr;

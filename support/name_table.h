@@ -19,6 +19,9 @@ public:
     int Find(std::string_view name) const;
     // The number of a name, which is added when it is new.
     int Add(std::string_view name);
+    bool Is(int number, std::string_view name) const {
+        return Is(static_cast<std::uint32_t>(number), Sought(name));
+    }
     bool IsEmpty() const { return entries_.empty(); }
     // Makes room for so many names in all.
     void Reserve(std::size_t count);

@@ -108,6 +108,7 @@ public:
     LPinNode* GetPinNode() const;
 
 private:
+    friend class bscan::detail::CellIndex;
     friend class bscan::detail::DeviceBuilder;
 
     BSCAN_LOCAL void CopyFrom(const LBScanCell& other, std::string_view pin_name,
