@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace bscan::detail {
 namespace {
@@ -17,41 +18,42 @@ int Walk(CellColumn::Getter name, std::string_view sought, const LBScanCell* cel
     return -1;
 }
 
-}  // namespace
-
-// Most names are in upper case already.
-std::string_view CellColumn::Folded(std::string_view name) {
+// A name in upper case, which most are already; the others are turned in a text of their own.
+std::string_view Folded(std::string_view name, std::string& text) {
     if (IsUpperCase(name)) return name;
-    folded_.assign(name);
-    UpperCase(folded_);
-    return folded_;
+    text.assign(name);
+    UpperCase(text);
+    return text;
 }
 
-int CellColumn::Bear(std::string_view name, int position) {
+}  // namespace
+
+int CellColumn::NumberOf(std::string_view name) {
     const int number = names_.Add(name);
     if (static_cast<std::size_t>(number) == bearers_.size()) bearers_.emplace_back();
-    name_numbers_[static_cast<std::size_t>(position)] = number;
     return number;
 }
 
-void CellColumn::Learn(const LBScanCell* cells, int count) {
-    Forget();
-    const auto size = static_cast<std::size_t>(count);
-    name_numbers_.resize(size);
-    next_.resize(size);
-    if (mostly_own_) names_.Reserve(size);
-    // From the last cell, so that each comes in front of those that it is to lead to.
-    for (int position = count - 1; position >= 0; --position) {
-        const int number = Bear(Folded(name_(cells[position])), position);
-        int& learned = bearers_[static_cast<std::size_t>(number)].learned;
-        next_[static_cast<std::size_t>(position)] = learned;
-        learned = position;
+bool CellColumn::Bears(int position, int number) const {
+    return name_numbers_[static_cast<std::size_t>(position)] == number;
+}
+
+// Learns cells through the first that bears a name: its position, or kNone when no more do.
+int CellColumn::LearnUpTo(std::string_view name, const LBScanCell* cells, int count) {
+    name_numbers_.reserve(static_cast<std::size_t>(count));
+    next_.reserve(static_cast<std::size_t>(count));
+    for (int position = Learned(); position < count; ++position) {
+        const std::string_view borne = Folded(name_(cells[position]), borne_);
+        const int number = NumberOf(borne);
+        name_numbers_.push_back(number);
+        next_.push_back(position);
+        AddLearned(number, position);
+        if (borne == name) return position;
     }
-    known_ = true;
+    return kNone;
 }
 
 void CellColumn::Forget() {
-    known_ = false;
     names_.Clear();
     bearers_.clear();
     name_numbers_.clear();
@@ -60,20 +62,27 @@ void CellColumn::Forget() {
     renamings_ = 0;
 }
 
-bool CellColumn::Bears(int position, int number) const {
-    return name_numbers_[static_cast<std::size_t>(position)] == number;
-}
-
 void CellColumn::Renamed(const LBScanCell* cells, int position) noexcept {
-    if (!known_) return;
+    if (position >= Learned()) return;
     try {
-        const std::string_view name = Folded(name_(cells[position]));
-        if (names_.Is(name_numbers_[static_cast<std::size_t>(position)], name)) return;
-        if (++renamings_ > 4 * next_.size()) return Forget();
-        AddRenamed(Bear(name, position), position);
+        const std::string_view name = Folded(name_(cells[position]), borne_);
+        int& borne = name_numbers_[static_cast<std::size_t>(position)];
+        if (names_.Is(borne, name)) return;
+        if (++renamings_ > 4 * name_numbers_.size()) return Forget();
+        borne = NumberOf(name);
+        AddRenamed(borne, position);
     } catch (...) {
         Forget();
     }
+}
+
+void CellColumn::AddLearned(int number, int position) {
+    int& highest = bearers_[static_cast<std::size_t>(number)].learned;
+    if (highest != kNone) {
+        std::swap(next_[static_cast<std::size_t>(highest)],
+                  next_[static_cast<std::size_t>(position)]);
+    }
+    highest = position;
 }
 
 void CellColumn::AddRenamed(int number, int position) {
@@ -97,9 +106,17 @@ CellColumn::Heap& CellColumn::HeapOf(int renamed) {
 
 // The lowest of the cells that were learned under a name and still bear it.
 int CellColumn::FirstLearned(int number) {
-    int& first = bearers_[static_cast<std::size_t>(number)].learned;
-    while (first >= 0 && !Bears(first, number)) first = next_[static_cast<std::size_t>(first)];
-    return first;
+    int& highest = bearers_[static_cast<std::size_t>(number)].learned;
+    while (highest != kNone) {
+        int& lowest = next_[static_cast<std::size_t>(highest)];
+        if (Bears(lowest, number)) return lowest;
+        if (lowest == highest) {
+            highest = kNone;
+        } else {
+            lowest = next_[static_cast<std::size_t>(lowest)];
+        }
+    }
+    return kNone;
 }
 
 // The lowest of the cells that have got a name since and still bear it.
@@ -119,25 +136,26 @@ int CellColumn::FirstRenamed(int number) {
 int CellColumn::First(std::string_view name, const LBScanCell* cells, int count) {
     // Learning a table costs as much as some walks over it.
     constexpr int kWalks = 8;
-    if (!known_ && walks_ < kWalks) {
+    if (walks_ < kWalks) {
         ++walks_;
         return Walk(name_, name, cells, count);
     }
-    int number = NameTable::kNone;
     try {
-        if (!known_) Learn(cells, count);
-        number = names_.Find(Folded(name));
+        const std::string_view sought = Folded(name, sought_);
+        if (const int number = names_.Find(sought); number != NameTable::kNone) {
+            const int learned = FirstLearned(number);
+            const int renamed = FirstRenamed(number);
+            if (learned != kNone && renamed != kNone) return std::min(learned, renamed);
+            if (learned != kNone || renamed != kNone) return std::max(learned, renamed);
+        }
+        return LearnUpTo(sought, cells, count);
     } catch (...) {
         Forget();
         return Walk(name_, name, cells, count);
     }
-    if (number == NameTable::kNone) return kNone;
-    const int learned = FirstLearned(number);
-    const int renamed = FirstRenamed(number);
-    return learned < 0 || renamed < 0 ? std::max(learned, renamed) : std::min(learned, renamed);
 }
 
-CellIndex::CellIndex() : pin_names_(PinName, true), original_names_(OriginalName, false) {}
+CellIndex::CellIndex() : pin_names_(PinName), original_names_(OriginalName) {}
 
 std::string_view CellIndex::PinName(const LBScanCell& cell) { return cell.pin_name_.View(); }
 

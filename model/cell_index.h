@@ -10,16 +10,16 @@ class LBScanCell;
 
 namespace bscan::detail {
 
-// The cells of a cell table by one of their two names. It is learned after a few lookups, which
-// walk, and then kept: every cell stands under each name that it has borne since, and a lookup
-// drops those that no longer bear the name. So the answer is always the lowest position that a walk
-// would stop at. A lookup looks at no cell: the column knows the name of each.
+// The cells of a cell table by one of their two names. After a few lookups, which walk, it learns
+// the cells from the first one on, as far as lookups have to go, and keeps what it has learned:
+// every cell stands under each name that it has borne since, and a lookup drops those that no
+// longer bear the name. So the answer is always the lowest position that a walk would stop at. A
+// lookup looks at no cell again: the column knows the name of each.
 class CellColumn {
 public:
     using Getter = std::string_view (*)(const LBScanCell& cell);
 
-    // Room is made for as many names as there are cells when most cells bear a name of their own.
-    CellColumn(Getter name, bool mostly_own) : name_(name), mostly_own_(mostly_own) {}
+    explicit CellColumn(Getter name) : name_(name) {}
 
     // The lowest position of a cell that bears a name, letter case ignored; -1 without one.
     int First(std::string_view name, const LBScanCell* cells, int count);
@@ -33,32 +33,32 @@ private:
 
     // The cells under one name.
     struct Bearers {
-        int learned = kNone;  // the lowest of those learned; next_ leads on
+        int learned = kNone;  // the highest of those learned; next_ leads from it to the lowest
         int renamed = kNone;  // the only one that got the name since; from kFirstHeap down, a heap
     };
     using Heap = std::vector<int>;  // the lowest position on top
 
-    void Learn(const LBScanCell* cells, int count);
-    std::string_view Folded(std::string_view name);
-    // Lets a cell bear a name, and tells the number of the name.
-    int Bear(std::string_view name, int position);
+    int Learned() const { return static_cast<int>(name_numbers_.size()); }
+    int LearnUpTo(std::string_view name, const LBScanCell* cells, int count);
+    // The number of the name of a cell.
+    int NumberOf(std::string_view name);
     bool Bears(int position, int number) const;
+    void AddLearned(int number, int position);
     void AddRenamed(int number, int position);
     Heap& HeapOf(int renamed);
     int FirstLearned(int number);
     int FirstRenamed(int number);
 
     Getter name_;
-    bool mostly_own_;
-    bool known_ = false;
-    int walks_ = 0;  // lookups before it was learned
+    int walks_ = 0;  // lookups before it began to learn
     NameTable names_;
     std::vector<Bearers> bearers_;   // by the number of the name
-    std::vector<int> name_numbers_;  // by position
+    std::vector<int> name_numbers_;  // by position, of the cells that it has learned
     std::vector<int> next_;          // by position: the next cell that was learned under the name
     std::vector<Heap> heaps_;
     std::size_t renamings_ = 0;  // since the column was learned; too many and it is learned anew
-    std::string folded_;
+    std::string sought_;
+    std::string borne_;
 };
 
 // Both columns, and the cells they are about.

@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <random>
+#include <string>
+#include <strings.h>
 
 namespace bscan::test {
 namespace {
@@ -127,6 +131,48 @@ TEST(CellTable, AllocatedAgainLeavesNoCellBehind) {
         EXPECT_EQ(device.map.GetBScanCell("DATA3"), nullptr);
         EXPECT_EQ(device.map.GetBScanCellByOriginalName("old"), nullptr);
         EXPECT_EQ(device.Add(5, "DATA", 3, "output3", -1, SIG_1, ""), -1);
+    }
+}
+
+TEST(CellTable, IsSearchedAsAWalkDoesIt) {
+    constexpr int kCells = 60;
+    std::mt19937 random(1);
+    BScanPinMap map;
+    const auto below = [&](unsigned count) { return random() % count; };
+    const auto cell = [&] { return map.GetBScanCell(static_cast<int>(below(kCells))); };
+    // Few names or many, in either case; long ones and none, too.
+    const auto name = [&](unsigned names) {
+        const std::size_t k = below(names);
+        if (k == 0) return std::string();
+        return (below(2) == 0 ? "io" : "IO") + std::string(k % 9, '_') + std::to_string(k);
+    };
+    const auto first = [&](const char* (LBScanCell::*get)() const, const std::string& sought) {
+        LBScanCell* const table = map.GetBScanCellTable();
+        LBScanCell* const found = std::find_if(table, table + kCells, [&](const LBScanCell& one) {
+            return strcasecmp((one.*get)(), sought.c_str()) == 0;
+        });
+        return found == table + kCells ? nullptr : found;
+    };
+    for (int step = 0; step < 100'000; ++step) {
+        // In turn: a fresh table, many searches, many renamings.
+        if (step % 1'000 == 0) map.AllocateBScanCellTable(kCells);
+        const unsigned names = step % 2'000 < 1'000 ? 6 : 2 * kCells;
+        const std::string text = name(names);
+        switch (below(step % 200 < 100 ? 4 : 16)) {
+            case 0:
+                cell()->SetPinName(text.c_str());
+                break;
+            case 1:
+                cell()->SetOriginalPinName(text.c_str());
+                break;
+            case 2:
+                *cell() = *cell();
+                break;
+            default:
+                ASSERT_EQ(map.GetBScanCell(text.c_str()), first(&LBScanCell::GetPinName, text));
+                ASSERT_EQ(map.GetBScanCellByOriginalName(text.c_str()),
+                          first(&LBScanCell::GetOriginalPinName, text));
+        }
     }
 }
 

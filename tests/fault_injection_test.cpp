@@ -146,8 +146,12 @@ const Step kSteps[] = {
     [](BScanPinMap& map) { return map.GetPort("another pin with a long name") == nullptr; },
     [](BScanPinMap& map) { return map.GetPort(pin) == NodeAt(map, 5); },
     [](BScanPinMap& map) {
-        return map.GetBScanCell("vector_with_a_long_name2") == map.GetBScanCell(3) &&
-               map.GetBScanCellByOriginalName("another cell with a long name") == nullptr;
+        bool right = true;
+        for (int k = 0; k < 10; ++k) {  // the first few walk
+            right = right && map.GetBScanCell("vector_with_a_long_name2") == map.GetBScanCell(3) &&
+                    map.GetBScanCellByOriginalName("another cell with a long name") == nullptr;
+        }
+        return right;
     },
     [](BScanPinMap& map) { return NodeAt(map, 0)->GetPortName() != nullptr; },
     [](BScanPinMap& map) { return NodeAt(map, 0)->SetPortName(renamed), true; },
