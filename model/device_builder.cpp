@@ -5,6 +5,7 @@
 
 #include "model/cell_roles.h"
 #include "model/device_index.h"
+#include "support/huge_pages.h"
 #include "support/list_access.h"
 
 #include <algorithm>
@@ -87,15 +88,16 @@ void DeviceBuilder::SetPinName(LPinNode& node, std::string_view pin) {
 void DeviceBuilder::AllocateCells(int length) {
     if (!Usable() || length < 0 || length > kMaxBoundaryLength) return;
     const auto count = static_cast<std::size_t>(length);
-    auto cells = std::make_unique<LBScanCell[]>(count);
+    std::vector<LBScanCell> cells;
+    cells.reserve(std::max<std::size_t>(count, 1));  // no cells are a table, too
+    PreferHugePages(cells.data(), count * sizeof(LBScanCell));
+    for (std::size_t n = 0; n < count; ++n) cells.emplace_back().index_ = &device_.index_->cells;
     auto bits = std::make_unique<unsigned char[]>((count + 7) / 8);
-    std::for_each_n(cells.get(), count,
-                    [&](LBScanCell& cell) { cell.index_ = &device_.index_->cells; });
-    if (device_.cells_ != nullptr) EmptyCellLists();
+    if (device_.bits_ != nullptr) EmptyCellLists();
     device_.cells_ = std::move(cells);
     device_.bits_ = std::move(bits);
     device_.length_ = length;
-    device_.index_->cells.SetTable(device_.cells_.get(), length);
+    device_.index_->cells.SetTable(device_.cells_.data(), length);
 }
 
 // The lists stay, since a host may hold pointers to them; the cells in them are about to go.
@@ -107,7 +109,7 @@ void DeviceBuilder::EmptyCellLists() {
 }
 
 int DeviceBuilder::AddCell(const CellFields& fields) {
-    if (device_.cells_ == nullptr || fields.number < 0 || fields.number >= device_.length_ ||
+    if (device_.bits_ == nullptr || fields.number < 0 || fields.number >= device_.length_ ||
         fields.control >= device_.length_) {
         return kFailed;
     }

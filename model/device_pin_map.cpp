@@ -36,7 +36,7 @@ BScanPinMap::~BScanPinMap() {
     bits_.reset();
     index_.reset();
     while (!pins_.IsEmpty()) delete pins_.RemoveTail();
-    cells_.reset();
+    cells_.clear();
 }
 
 void BScanPinMap::AddNewPorts(char* name, char* mode, int count, bool ascending) {
@@ -171,7 +171,9 @@ int BScanPinMap::GetNumberOfPins() const { return pins_.GetCount(); }
 // The list is part of the device, but a host may fill it as it may fill the device.
 LObjList* BScanPinMap::GetPinListArray() const { return const_cast<LObjList*>(&pins_); }
 
-LBScanCell* BScanPinMap::GetBScanCellTable() const { return cells_.get(); }
+LBScanCell* BScanPinMap::GetBScanCellTable() const {
+    return const_cast<LBScanCell*>(cells_.data());
+}
 int BScanPinMap::GetBScanLength() const { return length_; }
 
 void BScanPinMap::SetDefaultDir(char* directory) {

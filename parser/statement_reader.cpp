@@ -2,6 +2,7 @@
 
 #include <bscan/result.h>
 
+#include "support/huge_pages.h"
 #include "support/text_view.h"
 
 #include <algorithm>
@@ -77,7 +78,9 @@ int StatementReader::ReadStringValue(std::string_view start, Comments comments,
 // Grows a large value once, to what the file can hold of it, instead of again and again.
 void StatementReader::MakeRoom(std::string& value) const {
     const std::size_t most = value.size() + lines_.BytesLeft();
-    if (most > value.capacity()) value.reserve(std::min(most, kMaxStatementLength));
+    if (most <= value.capacity()) return;
+    value.reserve(std::min(most, kMaxStatementLength));
+    PreferHugePages(value.data() + value.size(), value.capacity() - value.size());
 }
 
 int StatementReader::ReadFirstPiece(std::string_view start, std::string& value, bool& ended) {

@@ -216,7 +216,7 @@ private:
 
     std::unique_ptr<unsigned char[]> bits_;
     LObjList pins_;
-    std::unique_ptr<LBScanCell[]> cells_;
+    std::vector<LBScanCell> cells_;
     int length_ = 0;
     std::optional<std::string> default_directory_;
     std::vector<std::string> io_names_;
