@@ -104,7 +104,7 @@ void DeviceBuilder::AllocateCells(int length) {
 void DeviceBuilder::EmptyCellLists() {
     for (LObject* const object : ListAccess::Objects(device_.pins_)) {
         auto* const node = static_cast<LPinNode*>(object);
-        if (node != nullptr && node->cells_) ListAccess::Objects(*node->cells_).clear();
+        if (node != nullptr) ListAccess::Objects(node->cells_).clear();
     }
 }
 

@@ -56,14 +56,14 @@ eSignal LPinNode::GetPortValue() const { return value_; }
 
 // The list is part of the node, which hands it out for writing.
 LObjList* LPinNode::GetBScanCells() const {
-    return cells_ ? const_cast<LObjList*>(&*cells_) : nullptr;
+    return has_cells_ ? const_cast<LObjList*>(&cells_) : nullptr;
 }
 
 int LPinNode::AssociateBScanCell(LBScanCell* cell) {
     if (cell == nullptr || !Accepts(type_, cell->GetFunction())) return bscan::kFailed;
     return GuardedCode([&]() -> int {
-        if (!cells_) cells_.emplace();
-        ListAccess::Objects(*cells_).push_back(cell);
+        has_cells_ = true;
+        ListAccess::Objects(cells_).push_back(cell);
         return bscan::kOk;
     });
 }

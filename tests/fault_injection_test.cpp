@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 
@@ -18,19 +19,20 @@ struct {
     bool for_good = false;  // whether those behind the failed one fail too
 } memory;
 
-void* Allocate(std::size_t size) {
+void* Allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
     if (memory.left == 0) {
         if (!memory.for_good) memory.left = -1;
         return nullptr;
     }
     if (memory.left > 0) --memory.left;
-    void* const block = std::malloc(size == 0 ? 1 : size);
+    const std::size_t units = size / alignment + 1;
+    void* const block = std::aligned_alloc(alignment, units * alignment);
     if (block) ++memory.live;
     return block;
 }
 
-void* AllocateOrThrow(std::size_t size) {
-    if (void* const block = Allocate(size)) return block;
+void* AllocateOrThrow(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
+    if (void* const block = Allocate(size, alignment)) return block;
     throw std::bad_alloc();
 }
 
@@ -45,12 +47,17 @@ void* operator new(std::size_t size) { return AllocateOrThrow(size); }
 void* operator new[](std::size_t size) { return AllocateOrThrow(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return AllocateOrThrow(size, static_cast<std::size_t>(alignment));
+}
 void operator delete(void* block) noexcept { Free(block); }
 void operator delete[](void* block) noexcept { Free(block); }
 void operator delete(void* block, std::size_t) noexcept { Free(block); }
 void operator delete[](void* block, std::size_t) noexcept { Free(block); }
 void operator delete(void* block, const std::nothrow_t&) noexcept { Free(block); }
 void operator delete[](void* block, const std::nothrow_t&) noexcept { Free(block); }
+void operator delete(void* block, std::align_val_t) noexcept { Free(block); }
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept { Free(block); }
 
 namespace bscan::test {
 namespace {

@@ -42,22 +42,23 @@ enum CellFunction : int {
 /// text changes nothing.
 class BSCAN_EXPORT LBScanCell : public LObject {
 private:
+    // What every driving and observing looks at comes first. The alignment, which is that of the
+    // whole cell, keeps it in one line of the processor's cache.
     int position_ = -1;
-    CellType type_ = BC_UNKNOWN;
-    LPinNode* node_ = nullptr;
     CellFunction function_ = FUNCTION_NONE;
-
-public:
-    eSignal safeValue = SIG_X;  ///< the value that the device's maker calls safe
-
-private:
     LBScanCell* control_ = nullptr;
 
 public:
-    eSignal disableValue = SIG_1;   ///< value of the control cell that turns this cell's driver off
-    eSignal disableResult = SIG_Z;  ///< what the pin shows while the driver is off
-    eSignal cellValue = SIG_X;      ///< the current value: captured, safe, or asked for by the host
+    eSignal disableValue = SIG_1;  ///< value of the control cell that turns this cell's driver off
+    eSignal cellValue = SIG_X;     ///< the current value: captured, safe, or asked for by the host
+    alignas(32) eSignal disableResult = SIG_Z;  ///< what the pin shows while the driver is off
+    eSignal safeValue = SIG_X;                  ///< the value that the device's maker calls safe
 
+private:
+    LPinNode* node_ = nullptr;
+    CellType type_ = BC_UNKNOWN;
+
+public:
     /// Makes a cell at no position, of no known type and function, without port and names.
     LBScanCell();
     /// Copies every field.

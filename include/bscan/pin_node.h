@@ -9,8 +9,6 @@
 #include <bscan/object_list.h>
 #include <bscan/signal.h>
 
-#include <optional>
-
 namespace bscan::detail {
 class DeviceBuilder;
 class PortIndex;
@@ -106,18 +104,20 @@ private:
     friend class bscan::detail::DeviceBuilder;
     friend class bscan::detail::PortIndex;
 
-    int vector_index_ = -1;
-    int pin_number_ = -1;
+    // What every driving and observing looks at comes first.
     PortType type_ = PORT_NONE;
     eSignal value_ = SIG_X;
-    std::optional<LObjList> cells_;
-    bscan::detail::Name port_name_;
-    bscan::detail::Name pin_name_;
+    bool has_cells_ = false;  // a cell was associated once
     bool positive_ = false;
     bool negative_ = false;
-
     mutable bool port_name_exposed_ = false;  // a writable pointer is out, or the host renamed it
     mutable bool pin_name_exposed_ = false;
+    LObjList cells_;
+
+    bscan::detail::Name port_name_;
+    bscan::detail::Name pin_name_;
+    int vector_index_ = -1;
+    int pin_number_ = -1;
     int list_position_ = -1;
     bscan::detail::PortIndex* index_ = nullptr;  // hears what lookups depend on
 };
