@@ -11,10 +11,10 @@ class LBScanCell;
 namespace bscan::detail {
 
 // The cells of a cell table by one of their two names. After a few lookups, which walk, it learns
-// the cells from the first one on, as far as lookups have to go, and keeps what it has learned:
-// every cell stands under each name that it has borne since, and a lookup drops those that no
-// longer bear the name. So the answer is always the lowest position that a walk would stop at. A
-// lookup looks at no cell again: the column knows the name of each.
+// the cells from the first one on, as far as lookups have to go, and keeps what it has learned. A
+// cell stands under each name that it gets; under one that it no longer bears, until a lookup or
+// another cell comes upon it there. So the answer is always the lowest position that a walk would
+// stop at. A lookup looks at no cell again: the column knows the name of each.
 class CellColumn {
 public:
     using Getter = std::string_view (*)(const LBScanCell& cell);
@@ -34,7 +34,7 @@ private:
     // The cells under one name.
     struct Bearers {
         int learned = kNone;  // the highest of those learned; next_ leads from it to the lowest
-        int renamed = kNone;  // the only one that got the name since; from kFirstHeap down, a heap
+        int renamed = kNone;  // one that got the name since; from kFirstHeap down, a heap of them
     };
     using Heap = std::vector<int>;  // the lowest position on top
 

@@ -62,8 +62,8 @@ LObjList* LPinNode::GetBScanCells() const {
 int LPinNode::AssociateBScanCell(LBScanCell* cell) {
     if (cell == nullptr || !Accepts(type_, cell->GetFunction())) return bscan::kFailed;
     return GuardedCode([&]() -> int {
-        has_cells_ = true;
         ListAccess::Objects(cells_).push_back(cell);
+        has_cells_ = true;
         return bscan::kOk;
     });
 }

@@ -113,6 +113,7 @@ TEST(NewRegister, FillsTheCellAndTiesItToItsPort) {
 }
 
 TEST(CellTable, AllocatedAgainLeavesNoCellBehind) {
+    EXPECT_EQ(BScanPinMap().GetBScanCellTable(), nullptr);
     Register device;
     EXPECT_EQ(device.Add(5, "DATA", 3, "output3", 4, SIG_1, "old"), 0);
     const LBScanCell* table = device.map.GetBScanCellTable();
@@ -126,6 +127,7 @@ TEST(CellTable, AllocatedAgainLeavesNoCellBehind) {
     for (const int length : {3, 0}) {
         device.map.AllocateBScanCellTable(length);
         EXPECT_EQ(device.map.GetBScanLength(), length);
+        EXPECT_NE(device.map.GetBScanCellTable(), nullptr);
         EXPECT_EQ(node->GetBScanCells(), list);
         EXPECT_EQ(CellsOf(node), "");
         EXPECT_EQ(device.map.GetBScanCell("DATA3"), nullptr);

@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
@@ -153,6 +155,8 @@ const Step kSteps[] = {
     [](BScanPinMap& map) { return map.GetPort("another pin with a long name") == nullptr; },
     [](BScanPinMap& map) { return map.GetPort(pin) == NodeAt(map, 5); },
     [](BScanPinMap& map) {
+        const char* const names[] = {"a_first_name_of_a_cell", "a_second_name_of_a_cell", "third"};
+        for (int n = 5; n < 11; ++n) map.GetBScanCell(n)->SetPinName(names[n % 3]);
         bool right = true;
         for (int k = 0; k < 10; ++k) {  // the first few walk
             right = right && map.GetBScanCell("vector_with_a_long_name2") == map.GetBScanCell(3) &&
@@ -167,7 +171,24 @@ const Step kSteps[] = {
         return map.GetPort(name, 1) == NodeAt(map, 1);
     },
     [](BScanPinMap& map) {
-        return map.GetBScanCell(3)->SetPinName("a_new_cell_name_that_is_long"), true;
+        for (int n = 4; n > 0; --n) map.GetBScanCell(n)->SetPinName("a_new_cell_name_that_is_long");
+        return true;
+    },
+    [](BScanPinMap& map) {
+        // By whatever names they have now, and by one that a cell had.
+        const LBScanCell* const table = map.GetBScanCellTable();
+        const auto walk = [&](const char* name) {
+            const LBScanCell* const end = table + map.GetBScanLength();
+            const auto* const found = std::find_if(table, end, [&](const LBScanCell& cell) {
+                return std::strcmp(cell.GetPinName(), name) == 0;
+            });
+            return found == end ? nullptr : found;
+        };
+        const char* const former = "VECTOR_WITH_A_LONG_NAME2";
+        return map.GetBScanCell(former) == walk(former) &&
+               std::all_of(table, table + map.GetBScanLength(), [&](const LBScanCell& cell) {
+                   return map.GetBScanCell(cell.GetPinName()) == walk(cell.GetPinName());
+               });
     },
     [](BScanPinMap& map) { return map.SetIOName("names, of, a, declaration, for, both"), true; },
 };

@@ -42,8 +42,7 @@ enum CellFunction : int {
 /// text changes nothing.
 class BSCAN_EXPORT LBScanCell : public LObject {
 private:
-    // What every driving and observing looks at comes first. The alignment, which is that of the
-    // whole cell, keeps it in one line of the processor's cache.
+    // What every driving and observing looks at comes first, in one line of the processor's cache.
     int position_ = -1;
     CellFunction function_ = FUNCTION_NONE;
     LBScanCell* control_ = nullptr;
@@ -51,6 +50,7 @@ private:
 public:
     eSignal disableValue = SIG_1;  ///< value of the control cell that turns this cell's driver off
     eSignal cellValue = SIG_X;     ///< the current value: captured, safe, or asked for by the host
+    // This alignment is that of the whole cell, whose first 32 bytes no line divides.
     alignas(32) eSignal disableResult = SIG_Z;  ///< what the pin shows while the driver is off
     eSignal safeValue = SIG_X;                  ///< the value that the device's maker calls safe
 

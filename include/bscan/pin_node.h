@@ -104,7 +104,7 @@ private:
     friend class bscan::detail::DeviceBuilder;
     friend class bscan::detail::PortIndex;
 
-    // What every driving and observing looks at comes first.
+    // What driving and observing look at is among the first.
     PortType type_ = PORT_NONE;
     eSignal value_ = SIG_X;
     bool has_cells_ = false;  // a cell was associated once
