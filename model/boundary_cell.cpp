@@ -1,11 +1,12 @@
 #include <bscan/boundary_cell.h>
 
-#include "model/cell_index.h"
+#include "model/cell_names.h"
 #include "model/cell_roles.h"
 #include "support/border.h"
 #include "support/text_view.h"
 
 #include <cstring>
+#include <utility>
 
 using namespace bscan::detail;
 
@@ -15,37 +16,30 @@ LBScanCell::~LBScanCell() = default;
 LBScanCell::LBScanCell(const LBScanCell& other) : LBScanCell() { *this = other; }
 
 LBScanCell& LBScanCell::operator=(const LBScanCell& other) {
-    if (this == &other) return *this;
-    GuardedQuietly(
-        [&] { CopyFrom(other, other.pin_name_.View(), other.original_pin_name_.View()); });
+    if (this != &other) CopyFrom(other, other.pin_name_, other.original_pin_name_);
     return *this;
 }
 
 // Copies every field of another, but takes these names.
-void LBScanCell::CopyFrom(const LBScanCell& other, std::string_view pin_name,
-                          std::string_view original_pin_name) {
-    Name new_pin_name;
-    Name new_original_pin_name;
-    new_pin_name.Assign(pin_name);
-    new_original_pin_name.Assign(original_pin_name);
-    position_ = other.position_;
-    type_ = other.type_;
-    node_ = other.node_;
-    function_ = other.function_;
+void LBScanCell::CopyFrom(const LBScanCell& other, std::string pin_name,
+                          std::string original_pin_name) {
     safeValue = other.safeValue;
-    control_ = other.control_;
+    cellValue = other.cellValue;
     disableValue = other.disableValue;
     disableResult = other.disableResult;
-    cellValue = other.cellValue;
-    pin_name_.Swap(new_pin_name);
-    original_pin_name_.Swap(new_original_pin_name);
-    NamesSet();
+    position_ = other.position_;
+    type_ = other.type_;
+    function_ = other.function_;
+    node_ = other.node_;
+    control_ = other.control_;
+    Rename(std::move(pin_name), std::move(original_pin_name));
 }
 
-void LBScanCell::NamesSet() {
-    if (index_ == nullptr) return;
-    index_->PinNameSet(*this);
-    index_->OriginalNameSet(*this);
+void LBScanCell::Rename(std::string pin_name, std::string original_pin_name) noexcept {
+    if (names_ != nullptr) names_->Remove(*this);
+    pin_name_ = std::move(pin_name);
+    original_pin_name_ = std::move(original_pin_name);
+    if (names_ != nullptr) names_->Add(*this);
 }
 
 CellType LBScanCell::ConvertCellTypeToEnum(const char* text) {
@@ -72,20 +66,16 @@ void LBScanCell::SetBoundaryCellPosition(int position) { position_ = position; }
 int LBScanCell::GetBoundaryCellPosition() const { return position_; }
 
 void LBScanCell::SetPinName(const char* name) {
-    if (name == nullptr) return;
-    GuardedQuietly([&] { pin_name_.Assign(name); });
-    if (index_ != nullptr) index_->PinNameSet(*this);
+    if (name != nullptr) GuardedQuietly([&] { Rename(name, original_pin_name_); });
 }
 
-const char* LBScanCell::GetPinName() const { return pin_name_.View().data(); }
+const char* LBScanCell::GetPinName() const { return pin_name_.c_str(); }
 
 void LBScanCell::SetOriginalPinName(const char* name) {
-    if (name == nullptr) return;
-    GuardedQuietly([&] { original_pin_name_.Assign(name); });
-    if (index_ != nullptr) index_->OriginalNameSet(*this);
+    if (name != nullptr) GuardedQuietly([&] { Rename(pin_name_, name); });
 }
 
-const char* LBScanCell::GetOriginalPinName() const { return original_pin_name_.View().data(); }
+const char* LBScanCell::GetOriginalPinName() const { return original_pin_name_.c_str(); }
 
 void LBScanCell::SetControlCell(LBScanCell* cell) { control_ = cell; }
 LBScanCell* LBScanCell::GetControlCell() const { return control_; }

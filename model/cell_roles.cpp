@@ -66,15 +66,11 @@ CellRoles PickRoles(const LObjList* cells) {
         auto* const cell = static_cast<LBScanCell*>(object);
         if (cell == nullptr) continue;
         const CellFunction function = cell->GetFunction();
-        // Without branches, which the mix of ports makes hard to predict.
-        const bool drives = Holds(kDrive, function);
-        LBScanCell* const input = CanReceive(function) ? cell : nullptr;
-        LBScanCell* const output = drives ? cell : nullptr;
-        LBScanCell* const observe = function == OBSERVE_ONLY ? cell : nullptr;
-        roles.input = roles.input == nullptr ? input : roles.input;
-        roles.output = roles.output == nullptr ? output : roles.output;
-        roles.observe = roles.observe == nullptr ? observe : roles.observe;
-        roles.control = drives ? cell->GetControlCell() : roles.control;
+        if (roles.input == nullptr && Holds(kReceive, function)) roles.input = cell;
+        if (roles.observe == nullptr && function == OBSERVE_ONLY) roles.observe = cell;
+        if (!Holds(kDrive, function)) continue;
+        if (roles.output == nullptr) roles.output = cell;
+        roles.control = cell->GetControlCell();
     }
     return roles;
 }
@@ -108,8 +104,6 @@ int Request(PortType mode, const CellRoles& roles, PortType direction, eSignal l
     if (direction == PORT_OUT && mode != PORT_IN) return Drive(mode, roles, level);
     return kFailed;
 }
-
-bool CanReceive(CellFunction function) { return Holds(kReceive, function); }
 
 bool Accepts(PortType mode, CellFunction function) {
     for (const Mode& row : kModes) {

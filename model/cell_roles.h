@@ -29,9 +29,6 @@ int Drive(PortType mode, const CellRoles& roles, eSignal level);
 // Receives for PORT_IN and drives for PORT_OUT where the mode allows it; else -1.
 int Request(PortType mode, const CellRoles& roles, PortType direction, eSignal level);
 
-// Whether a cell's function lets it receive what the pin shows.
-bool CanReceive(CellFunction function);
-
 // Whether a port of this mode can be served by a cell of this function.
 bool Accepts(PortType mode, CellFunction function);
 

@@ -5,73 +5,47 @@
 
 #include "model/cell_roles.h"
 #include "model/device_index.h"
-#include "support/huge_pages.h"
 #include "support/list_access.h"
 
-#include <algorithm>
-#include <charconv>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace bscan::detail {
-namespace {
-
-// Shortens a list of nodes back to what it was, unless told that all went well.
-class NodesOnTrial {
-public:
-    explicit NodesOnTrial(ObjectPointers& nodes) : nodes_(nodes), kept_(nodes.size()) {}
-    NodesOnTrial(const NodesOnTrial&) = delete;
-    NodesOnTrial& operator=(const NodesOnTrial&) = delete;
-    ~NodesOnTrial() {
-        while (nodes_.size() > kept_) {
-            delete nodes_.back();
-            nodes_.pop_back();
-        }
-    }
-    void Keep() { kept_ = nodes_.size(); }
-
-private:
-    ObjectPointers& nodes_;
-    std::size_t kept_;
-};
-
-std::string Subscripted(std::string_view port, int index) {
-    std::string name(port);
-    char digits[12];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, index);
-    static_cast<void>(error);
-    return name.append(digits, static_cast<std::size_t>(end - digits));
-}
-
-}  // namespace
 
 void DeviceBuilder::AddPorts(std::optional<std::string_view> name, std::string_view mode,
                              std::int64_t count, bool ascending) {
-    ObjectPointers& nodes = ListAccess::Objects(device_.pins_);
-    const auto first = static_cast<std::int64_t>(nodes.size());
-    if (!Usable() || count < 1 || first + count > kMaxPortElements) return;
-    const std::size_t text = name ? name->size() * static_cast<std::size_t>(count) : 0;
-    if (text > kMaxPortNameText - device_.port_name_text_) return;
-    const auto elements = static_cast<int>(count);
-    const PortType type = ModeFromText(mode, PORT_NONE);
-    NodesOnTrial trial(nodes);
-    for (int k = 0; k < elements; ++k) {
-        nodes.push_back(nullptr);
-        nodes.back() = MakeNode(name, type, ascending ? k : elements - 1 - k);
+    std::vector<LObject*>& nodes = ListAccess::Objects(device_.pins_);
+    const std::size_t first = nodes.size();
+    if (!Usable() || count < 1 || static_cast<std::int64_t>(first) + count > kMaxPortElements) {
+        return;
     }
-    trial.Keep();
+    const auto elements = static_cast<std::size_t>(count);
+    const std::size_t text = name ? name->size() * elements : 0;
+    if (text > kMaxPortNameText - device_.port_name_text_) return;
+    const PortType type = ModeFromText(mode, PORT_NONE);
+    try {
+        nodes.resize(first + elements, nullptr);
+        for (std::size_t k = 0; k < elements; ++k) {
+            nodes[first + k] = MakeNode(name, type, ascending ? k : elements - 1 - k);
+        }
+    } catch (...) {
+        for (std::size_t at = first; at < nodes.size(); ++at) delete nodes[at];
+        nodes.resize(first);
+        throw;
+    }
     device_.port_name_text_ += text;
-    device_.index_->ports.Added(name, {static_cast<int>(first), elements, ascending});
+    device_.index_->ports.Added();
 }
 
 LPinNode* DeviceBuilder::MakeNode(std::optional<std::string_view> name, PortType mode,
-                                  int vector_index) {
+                                  std::size_t vector_index) {
     auto node = std::make_unique<LPinNode>();
-    if (name) node->port_name_.Assign(*name);
+    if (name) node->port_name_ = std::string(*name);
     node->type_ = mode;
-    node->vector_index_ = vector_index;
-    node->list_position_ = device_.GetNumberOfPins() - 1;
+    node->vector_index_ = static_cast<int>(vector_index);
     node->index_ = &device_.index_->ports;
     return node.release();
 }
@@ -81,60 +55,59 @@ LPinNode* DeviceBuilder::Element(std::string_view port, int k) {
 }
 
 void DeviceBuilder::SetPinName(LPinNode& node, std::string_view pin) {
-    node.pin_name_.Assign(pin);
-    if (node.index_ != nullptr) node.index_->PinNamesChanged();
+    node.pin_name_ = std::string(pin);
+    if (node.index_ != nullptr) node.index_->PinNameSet();
 }
 
 void DeviceBuilder::AllocateCells(int length) {
     if (!Usable() || length < 0 || length > kMaxBoundaryLength) return;
     const auto count = static_cast<std::size_t>(length);
-    std::vector<LBScanCell> cells;
-    cells.reserve(std::max<std::size_t>(count, 1));  // no cells are a table, too
-    PreferHugePages(cells.data(), count * sizeof(LBScanCell));
-    for (std::size_t n = 0; n < count; ++n) cells.emplace_back().index_ = &device_.index_->cells;
+    auto cells = std::make_unique<LBScanCell[]>(count);
+    for (std::size_t n = 0; n < count; ++n) cells[n].names_ = &device_.index_->cells;
     auto bits = std::make_unique<unsigned char[]>((count + 7) / 8);
     if (device_.bits_ != nullptr) EmptyCellLists();
     device_.cells_ = std::move(cells);
     device_.bits_ = std::move(bits);
     device_.length_ = length;
-    device_.index_->cells.SetTable(device_.cells_.data(), length);
+    device_.index_->cells.SetTable(device_.cells_.get(), length);
 }
 
 // The lists stay, since a host may hold pointers to them; the cells in them are about to go.
 void DeviceBuilder::EmptyCellLists() {
     for (LObject* const object : ListAccess::Objects(device_.pins_)) {
         auto* const node = static_cast<LPinNode*>(object);
-        if (node != nullptr) ListAccess::Objects(node->cells_).clear();
+        if (node != nullptr && node->cells_) ListAccess::Objects(*node->cells_).clear();
     }
 }
 
+bool DeviceBuilder::Takes(const CellFields& fields) const {
+    return device_.bits_ != nullptr && fields.number >= 0 && fields.number < device_.length_ &&
+           fields.control < device_.length_;
+}
+
 int DeviceBuilder::AddCell(const CellFields& fields) {
-    if (device_.bits_ == nullptr || fields.number < 0 || fields.number >= device_.length_ ||
-        fields.control >= device_.length_) {
-        return kFailed;
-    }
-    LPinNode* const node = fields.port.empty()
+    if (!Takes(fields)) return kFailed;
+    return AddCell(fields, fields.port.empty()
                                ? nullptr
-                               : device_.index_->ports.FirstNamed(fields.port, fields.port_index);
+                               : device_.index_->ports.FirstNamed(fields.port, fields.port_index));
+}
+
+void DeviceBuilder::FindElements(int count) { device_.index_->ports.UpperCaseUpTo(count - 1); }
+
+int DeviceBuilder::AddCell(const CellFields& fields, LPinNode* node) {
+    if (!Takes(fields)) return kFailed;
     LBScanCell& cell = device_.cells_[static_cast<std::size_t>(fields.number)];
     // What may need memory comes first.
-    Name pin_name;
-    Name original_name;
-    if (fields.port_index == 0) {
-        pin_name.Assign(fields.port);
-    } else {
-        pin_name.Assign(Subscripted(fields.port, fields.port_index));
-    }
-    if (fields.original_name) original_name.Assign(*fields.original_name);
+    std::string pin_name(fields.port);
+    if (fields.port_index != 0) pin_name += std::to_string(fields.port_index);
+    std::string original_name(fields.original_name.value_or(cell.original_pin_name_));
     cell.position_ = fields.number;
     cell.type_ = fields.type.value_or(cell.type_);
     cell.node_ = node;
     cell.function_ = fields.function.value_or(cell.function_);
     cell.safeValue = fields.safe;
     cell.cellValue = fields.value;
-    cell.pin_name_.Swap(pin_name);
-    if (fields.original_name) cell.original_pin_name_.Swap(original_name);
-    cell.NamesSet();
+    cell.Rename(std::move(pin_name), std::move(original_name));
     if (fields.control >= 0) {
         cell.control_ = &device_.cells_[static_cast<std::size_t>(fields.control)];
         cell.disableValue = fields.disable_value;
@@ -145,12 +118,23 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
     return result;
 }
 
-void DeviceBuilder::CopyCell(LBScanCell& to, const LBScanCell& from) {
-    to.CopyFrom(from, from.pin_name_.View(), from.original_pin_name_.View());
+bool DeviceBuilder::CanFollow(const LBScanCell& cell, const LBScanCell& leader) const {
+    return leader.control_ != nullptr && cell.position_ > 0 &&
+           device_.GetBScanCell(cell.position_ - 1) != nullptr;
 }
 
-LPinNode* DeviceBuilder::PortOfPinName(LBScanCell& cell) {
-    return device_.GetPortwName(cell.pin_name_.Text());
+void DeviceBuilder::Follow(LBScanCell& cell, const LBScanCell& leader, std::string_view pin_name,
+                           std::string_view original_name, LPinNode& port) {
+    const int position = cell.position_;
+    cell.CopyFrom(leader, std::string(pin_name), std::string(original_name));
+    cell.position_ = position;
+    LBScanCell& control = *device_.GetBScanCell(position - 1);
+    control = *cell.control_;
+    control.position_ = position - 1;
+    cell.control_ = &control;
+    cell.node_ = &port;
+    // A port that does not take the cell goes without it.
+    if (port.AssociateBScanCell(&cell) == kOutOfMemory) throw std::bad_alloc();
 }
 
 }  // namespace bscan::detail

@@ -5,8 +5,10 @@
 
 #include "model/cell_fields.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace bscan::detail {
@@ -35,19 +37,24 @@ public:
     void AllocateCells(int length);
     // Fills a cell; 0 or -1 as BScanPinMap::AddNewRegister.
     int AddCell(const CellFields& fields);
+    // The same for a cell of an element that is known; null for none.
+    int AddCell(const CellFields& fields, LPinNode* node);
+    // Leaves the names of the first elements in upper case, as finding the last of them does.
+    void FindElements(int count);
 
-    // Makes a cell the copy of another, position and names included.
-    static void CopyCell(LBScanCell& to, const LBScanCell& from);
-    // The same, but both its names are another.
-    static void CopyCell(LBScanCell& to, const LBScanCell& from, std::string_view name) {
-        to.CopyFrom(from, name, name);
-    }
-    // Finds the port of a cell by its pin name, which the lookup turns into upper case.
-    LPinNode* PortOfPinName(LBScanCell& cell);
+    // Whether a cell can serve a port as another cell serves its own: it needs a cell in front of
+    // it, to be controlled by.
+    bool CanFollow(const LBScanCell& cell, const LBScanCell& leader) const;
+    // Makes a cell of a port the copy of another, and the cell in front of it the copy of that
+    // one's control cell.
+    void Follow(LBScanCell& cell, const LBScanCell& leader, std::string_view pin_name,
+                std::string_view original_name, LPinNode& port);
 
 private:
-    LPinNode* MakeNode(std::optional<std::string_view> name, PortType mode, int vector_index);
+    LPinNode* MakeNode(std::optional<std::string_view> name, PortType mode,
+                       std::size_t vector_index);
     void EmptyCellLists();
+    bool Takes(const CellFields& fields) const;
 
     BScanPinMap& device_;
 };

@@ -1,7 +1,7 @@
 // What finds the ports and the cells of one device.
 #pragma once
 
-#include "model/cell_index.h"
+#include "model/cell_names.h"
 #include "model/port_index.h"
 
 namespace bscan::detail {
@@ -10,7 +10,7 @@ struct DeviceIndex {
     explicit DeviceIndex(LObjList& pins) : ports(pins) {}
 
     PortIndex ports;
-    CellIndex cells;
+    CellNames cells;
 };
 
 }  // namespace bscan::detail

@@ -23,7 +23,7 @@ std::optional<std::string_view> OptionalView(const char* text) {
 // Turns the buffer of a lookup into upper case, as its caller expects.
 std::string_view UpperCased(char* name) {
     const std::string_view text(name);
-    UpperCase(name, text.size());
+    strupr(name);
     return text;
 }
 
@@ -36,7 +36,7 @@ BScanPinMap::~BScanPinMap() {
     bits_.reset();
     index_.reset();
     while (!pins_.IsEmpty()) delete pins_.RemoveTail();
-    cells_.clear();
+    cells_.reset();
 }
 
 void BScanPinMap::AddNewPorts(char* name, char* mode, int count, bool ascending) {
@@ -171,9 +171,8 @@ int BScanPinMap::GetNumberOfPins() const { return pins_.GetCount(); }
 // The list is part of the device, but a host may fill it as it may fill the device.
 LObjList* BScanPinMap::GetPinListArray() const { return const_cast<LObjList*>(&pins_); }
 
-LBScanCell* BScanPinMap::GetBScanCellTable() const {
-    return const_cast<LBScanCell*>(cells_.data());
-}
+LBScanCell* BScanPinMap::GetBScanCellTable() const { return cells_.get(); }
+
 int BScanPinMap::GetBScanLength() const { return length_; }
 
 void BScanPinMap::SetDefaultDir(char* directory) {

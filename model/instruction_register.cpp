@@ -29,6 +29,10 @@ const char* CInstrOpcode::GetOpcode(int index) const {
 }
 
 bool CInstrOpcode::operator<(const CInstrOpcode& other) {
+    return static_cast<const CInstrOpcode&>(*this) < other;
+}
+
+bool CInstrOpcode::operator<(const CInstrOpcode& other) const {
     return bscan::detail::CompareIgnoringCase(name_, other.name_) > 0;
 }
 

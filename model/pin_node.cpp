@@ -8,35 +8,38 @@
 
 using namespace bscan::detail;
 
+namespace {
+
+// The host may write into a name, whose node is const nevertheless.
+char* Writable(const std::optional<std::string>& name) {
+    return name ? const_cast<char*>(name->data()) : nullptr;
+}
+
+}  // namespace
+
 LPinNode::LPinNode() = default;
 LPinNode::~LPinNode() = default;
 
 void LPinNode::SetPortName(char* name) {
     if (name == nullptr) return;
-    GetPortName();  // from now on the index has to look at the name itself
-    GuardedQuietly([&] { port_name_.Assign(name); });
+    if (index_ != nullptr) index_->PortNameOpened();
+    GuardedQuietly([&] { port_name_ = std::string(name); });
 }
 
 char* LPinNode::GetPortName() const {
-    if (index_ != nullptr && !port_name_exposed_) {
-        port_name_exposed_ = true;
-        index_->PortNameExposed(*this);
-    }
-    return port_name_.Text();
+    if (index_ != nullptr) index_->PortNameOpened();
+    return Writable(port_name_);
 }
 
 void LPinNode::SetPinName(char* name) {
     if (name == nullptr) return;
-    GuardedQuietly([&] { pin_name_.Assign(name); });
-    if (index_ != nullptr) index_->PinNamesChanged();
+    if (index_ != nullptr) index_->PinNameSet();
+    GuardedQuietly([&] { pin_name_ = std::string(name); });
 }
 
 char* LPinNode::GetPinName() const {
-    if (index_ != nullptr && !pin_name_exposed_) {
-        pin_name_exposed_ = true;
-        index_->PinNameExposed(*this);
-    }
-    return pin_name_.Text();
+    if (index_ != nullptr) index_->PinNameOpened();
+    return Writable(pin_name_);
 }
 
 void LPinNode::SetPortType(char* mode) { type_ = ModeFromText(View(mode), type_); }
@@ -45,7 +48,7 @@ PortType LPinNode::GetPortType() const { return type_; }
 
 void LPinNode::SetPinNumber(int number) {
     pin_number_ = number;
-    if (index_ != nullptr) index_->PinNumbersChanged();
+    if (index_ != nullptr) index_->PinNumberSet();
 }
 
 int LPinNode::GetPinNumber() const { return pin_number_; }
@@ -56,14 +59,14 @@ eSignal LPinNode::GetPortValue() const { return value_; }
 
 // The list is part of the node, which hands it out for writing.
 LObjList* LPinNode::GetBScanCells() const {
-    return has_cells_ ? const_cast<LObjList*>(&cells_) : nullptr;
+    return cells_ ? const_cast<LObjList*>(&*cells_) : nullptr;
 }
 
 int LPinNode::AssociateBScanCell(LBScanCell* cell) {
     if (cell == nullptr || !Accepts(type_, cell->GetFunction())) return bscan::kFailed;
     return GuardedCode([&]() -> int {
-        ListAccess::Objects(cells_).push_back(cell);
-        has_cells_ = true;
+        if (!cells_) cells_.emplace();
+        ListAccess::Objects(*cells_).push_back(cell);
         return bscan::kOk;
     });
 }

@@ -1,6 +1,7 @@
 #include <bscan/register_access.h>
 
 #include "support/border.h"
+#include "support/text_view.h"
 
 using bscan::detail::GuardedQuietly;
 
@@ -27,6 +28,10 @@ const char* CRegister::GetRegisterAssocName(int index) const {
     return index >= 0 && index < GetRegisterAssociationCount()
                ? instructions_[static_cast<std::size_t>(index)].c_str()
                : nullptr;
+}
+
+bool CRegister::operator<(const CRegister& other) const {
+    return bscan::detail::CompareIgnoringCase(name_, other.name_) > 0;
 }
 
 CRegisterAccessDesc::CRegisterAccessDesc() = default;

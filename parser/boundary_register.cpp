@@ -11,12 +11,6 @@
 #include <vector>
 
 namespace bscan::detail {
-namespace {
-
-// Copying it is faster than making a fresh one.
-constexpr CellFields kNothing;
-
-}  // namespace
 
 int MainPass::ReadBoundaryRegister(std::string& statement) {
     value_.clear();
@@ -35,14 +29,13 @@ int MainPass::RegisterCells(std::string_view value) {
     if (parser_.pin_map_ == nullptr) return kFailed;
     int result = kOk;
     for (auto entry = entries.begin(); result == kOk && entry != entries.end(); ++entry) {
-        CellFields fields = kNothing;
-        result = CutRegisterEntry(value, *entry, fields)
-                     ? RegisterCell(fields, entry->remark.In(value))
-                     : static_cast<int>(kBadValue);
+        CellFields fields;
+        result = CutRegisterEntry(*entry, fields) ? RegisterCell(fields, entry->remark)
+                                                  : static_cast<int>(kBadValue);
     }
     // The pairs are completed from the cells that there are, even after a failure.
-    CompletePairs();
-    return result;
+    const int completed = CompletePairs();
+    return result == kOk ? completed : result;
 }
 
 int MainPass::RegisterCell(CellFields& fields, std::string_view remark) {
@@ -54,16 +47,8 @@ int MainPass::RegisterCell(CellFields& fields, std::string_view remark) {
     remark_.clear();
     AppendRemark(remark, remark_);
     fields.original_name = remark_;
-    fields.value = FirstValue(fields);
+    fields.value = parser_.FirstValue(fields.number, fields.safe);
     return DeviceBuilder(*parser_.pin_map_).AddCell(fields);
-}
-
-eSignal MainPass::FirstValue(const CellFields& fields) const {
-    if (!parser_.capture_) return fields.safe;
-    const auto& [data, mask] = *parser_.capture_;
-    const auto cell = static_cast<std::size_t>(fields.number);
-    if (fields.number < 0 || cell >= data.size() || mask[cell] == 0) return SIG_X;
-    return data[cell] == 0 ? SIG_0 : data[cell] == 1 ? SIG_1 : SIG_X;
 }
 
 }  // namespace bscan::detail

@@ -3,7 +3,6 @@
 #include <bscan/result.h>
 
 #include "model/device_builder.h"
-#include "parser/designator_index.h"
 #include "parser/main_pass.h"
 #include "parser/port_text.h"
 #include "support/text_view.h"
@@ -32,7 +31,6 @@ int MainPass::ReadGeneric(std::string& statement) {
     std::string package(parts.before);
     LowerCase(package);
     parser_.package_type_ = std::move(package);
-    parser_.designators_.reset();
     return kOk;
 }
 

@@ -4,23 +4,32 @@
 // a comment that names it. That cell becomes a copy of the positive leg's cell, and the cell in
 // front of it a copy of the positive leg's control cell.
 
+#include <bscan/limits.h>
 #include <bscan/result.h>
 
 #include "model/device_builder.h"
 #include "parser/main_pass.h"
 
 #include <cstring>
-#include <new>
+#include <string>
+#include <utility>
 
 namespace bscan::detail {
 
-void MainPass::CompletePairs() {
+int MainPass::CompletePairs() {
+    const bool again = std::exchange(has_register_, true);
     for (CDifferentialPair& pair : parser_.differential_pairs_) {
-        const std::size_t text =
+        // Looking for names takes time for their length.
+        const std::size_t work =
             std::strlen(pair.GetPositiveElement()) + std::strlen(pair.GetNegativeElement());
-        if (!ChargeExtraWork(static_cast<std::int64_t>(text))) return;
-        if (!CompletePair(pair)) return DropPairs();
+        if (again && !MayRepeat(static_cast<std::int64_t>(work))) return kRepeatedTooOften;
+        if (CompletePair(pair)) continue;
+        const std::int64_t ports = parser_.pin_map_->GetNumberOfPins();
+        if (again && !MayRepeat(ports)) return kRepeatedTooOften;
+        DropPairs();
+        break;
     }
+    return kOk;
 }
 
 // False when the negative leg has no cell, which leaves no pair trustworthy.
@@ -31,32 +40,20 @@ bool MainPass::CompletePair(CDifferentialPair& pair) {
     LBScanCell* const negative = device.GetBScanCellByOriginalName(pair.GetNegativeElement());
     if (negative == nullptr) return false;
 
-    const int position = negative->GetBoundaryCellPosition();
-    LBScanCell* const control = position < 1 ? nullptr : device.GetBScanCell(position - 1);
-    if (control == nullptr || positive->GetControlCell() == nullptr) return true;
+    DeviceBuilder builder(device);
+    if (!builder.CanFollow(*negative, *positive)) return true;
     std::string name = pair.GetNegativeElement();
-    if (device.GetPortwName(name.data()) == nullptr) return true;
+    LPinNode* const port = device.GetPortwName(name.data());  // turns the name into upper case
+    if (port == nullptr) return true;
 
     pair.SetPositiveBScanPosition(positive->GetBoundaryCellPosition());
-    pair.SetNegativeBScanPosition(position);
-    DeviceBuilder::CopyCell(*negative, *positive, pair.GetNegativeElement());
-    negative->SetBoundaryCellPosition(position);
-    DeviceBuilder::CopyCell(*control, *negative->GetControlCell());
-    control->SetBoundaryCellPosition(position - 1);
-    negative->SetControlCell(control);
-
-    LPinNode* const port = DeviceBuilder(device).PortOfPinName(*negative);
-    negative->SetPinNode(port);
-    // A port that does not take the cell goes without it.
-    if (port != nullptr && port->AssociateBScanCell(negative) == kOutOfMemory) {
-        throw std::bad_alloc();
-    }
+    pair.SetNegativeBScanPosition(negative->GetBoundaryCellPosition());
+    builder.Follow(*negative, *positive, name, pair.GetNegativeElement(), *port);
     return true;
 }
 
 void MainPass::DropPairs() {
     const LObjList& pins = *parser_.pin_map_->GetPinListArray();
-    ChargeExtraWork(pins.GetCount());
     for (int i = 0; i < pins.GetCount(); ++i) {
         auto* const node = static_cast<LPinNode*>(pins.GetAt(i));
         if (node == nullptr) continue;

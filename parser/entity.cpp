@@ -72,12 +72,4 @@ int MainPass::ReadEntity(std::string& statement) {
     }
 }
 
-bool MainPass::ChargeExtraWork(std::int64_t work) {
-    // A walk over the device, paid for by a single line of a file that repeats an attribute without
-    // end. No real file comes near this.
-    constexpr std::int64_t kMostExtraWork = std::int64_t{1} << 22;
-    parser_.extra_work_ += work;
-    return parser_.extra_work_ <= kMostExtraWork;
-}
-
 }  // namespace bscan::detail

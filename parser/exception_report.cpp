@@ -2,7 +2,6 @@
 
 #include <bscan/parser.h>
 
-#include "parser/designator_index.h"
 #include "support/border.h"
 #include "support/text_view.h"
 

@@ -1,9 +1,6 @@
 // The lines of a BSDL file: without comments, trimmed, and never empty.
 #pragma once
 
-#include "support/file.h"
-#include "support/search.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -26,26 +23,20 @@ public:
     // Counts every physical read in `lines`.
     LineReader(FILE* file, std::int64_t& lines) : file_(file), lines_(lines) {}
 
-    // Delivers the next line with a text, which is valid until the stream is read again.
+    // Makes one physical read, whose text may be empty. A failed read leaves the line as it was.
+    int ReadOnce(Line& line);
+
+    // Delivers the next line with a text. Lines are valid until the next read.
     int Next(Line& line);
     int Next(std::string_view& text);
-
-    // How much text may follow; 0 when the stream does not tell.
-    std::size_t BytesLeft() const { return detail::BytesLeft(file_); }
 
     // Delivers the next line that begins with a keyword, and passes over all others.
     int NextWith(std::string_view keyword, std::string_view& text);
 
 private:
-    // Whole blocks are looked at, which may reach behind the longest line.
-    static constexpr std::size_t kLookedAt = kPhysicalRead + 2 + Block::kSize;
-
-    int ReadPhysical(Line& line);
-    bool TakeReadAheadLine(Line& line);
-
     FILE* file_;
     std::int64_t& lines_;
-    char buffer_[kLookedAt] = {};  // a line that the stream did not hold as a whole
+    char buffer_[kPhysicalRead + 1] = {};
 };
 
 }  // namespace bscan::detail

@@ -1,10 +1,12 @@
 // The readers of the main pass.
 #pragma once
 
+#include <bscan/limits.h>
 #include <bscan/parser.h>
 
 #include "parser/statement_reader.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -40,8 +42,12 @@ public:
     int ReadInstructionOpcode(std::string& statement);
     int ReadRegisterAccess(std::string& statement);
 
-    // The number of a package pin; a negative code when the selected package lacks it.
-    int PinNumber(std::string_view designator);
+    // The package that numbers the pins; null without one.
+    const PackagePinMap* SelectedPackage() const;
+    // The number of a pin in a package; a negative code when the package lacks it. It is looked for
+    // first where the package's pin map has the pin that came after so many others.
+    static int PinNumber(const PackagePinMap* package, std::string_view designator,
+                         std::size_t coming = 0);
 
 private:
     using Reader = int (MainPass::*)(std::string&);
@@ -53,9 +59,6 @@ private:
 
     int ReadEntityLines(std::string& statement);
     bool EnsurePinMap();
-    const PackagePinMap* SelectedPackage() const;
-    bool SelectsPackage();
-    int NumberInPackage(std::string_view designator);
     int ReadLastWord(std::string& statement, std::string_view& word);
     int ReadNameList(std::string& statement, const NameList& list);
     bool AddInstruction(NameListEntry& entry);
@@ -64,17 +67,22 @@ private:
     void AddPair(std::string_view positive, std::string_view negative);
     int RegisterCells(std::string_view value);
     int RegisterCell(CellFields& fields, std::string_view remark);
-    eSignal FirstValue(const CellFields& fields) const;
-    void CompletePairs();
+    int CompletePairs();
     bool CompletePair(CDifferentialPair& pair);
     void DropPairs();
-    bool ChargeExtraWork(std::int64_t work);
+    bool MayRepeat(std::int64_t work) {
+        repeated_work_ += work;
+        return repeated_work_ <= kMaxRepeatedWork;
+    }
 
     BScanParser& parser_;
     StatementReader reader_;
-    std::string value_;   // the string value being read
-    std::string port_;    // the port of a cell, in upper case
-    std::string remark_;  // what stands behind a cell's entry
+    std::string value_;               // the string value being read
+    std::string port_;                // the port of a cell, in upper case
+    std::string remark_;              // what stands behind a cell's entry
+    bool has_length_ = false;         // a boundary length was read in this pass
+    bool has_register_ = false;       // a boundary register was read in this pass
+    std::int64_t repeated_work_ = 0;  // see kMaxRepeatedWork
 };
 
 }  // namespace bscan::detail

@@ -2,8 +2,8 @@
 
 #include <bscan/result.h>
 
+#include "model/pin_sort.h"
 #include "parser/constant_text.h"
-#include "parser/designator_index.h"
 #include "parser/pin_map_text.h"
 #include "support/list_access.h"
 #include "support/text_view.h"
@@ -28,13 +28,12 @@ int PackagePass::Read() {
     std::string value;
     result = reader_.ReadStringValue(ValueStart(first_line), Comments::kDrop, value);
     if (result != kOk) return result;
-    PinSet pins;
+    std::vector<PIN_NAME> pins;
     if (!CollectPins(value, pins)) return kOk;
     // A pass that follows another adds to its pins.
     if (const PackagePinMap* const known = parser_.GetPackageMap(0); known != nullptr) {
-        for (const std::string& pin : known->pins_) pins.Add(pin);
+        for (const std::string& pin : known->pins_) pins.push_back(SplitDesignator(pin));
     }
-    pins.Sort();
     std::string package(ConstantName(statement));
     LowerCase(package);
     Publish(std::move(package), pins);
@@ -57,30 +56,30 @@ int PackagePass::FindPinMap(std::string& first_line, std::string& statement) {
 }
 
 // False when there is no pin, or the first one has no letter: then designators are numbers already.
-bool PackagePass::CollectPins(std::string_view value, PinSet& pins) {
+bool PackagePass::CollectPins(std::string_view value, std::vector<PIN_NAME>& pins) {
     bool any = false;
     PinMapCutter cutter(value);
     for (PinMapEntry entry; cutter.Next(entry);) {
         for (std::string_view pin; TakePin(entry.pins, pin); any = true) {
             if (!any && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
-            pins.Add(pin);
+            pins.push_back(SplitDesignator(pin));
         }
     }
     return any;
 }
 
-void PackagePass::Publish(std::string package, const PinSet& pins) {
+void PackagePass::Publish(std::string package, const std::vector<PIN_NAME>& pins) {
     auto map = std::make_unique<PackagePinMap>();
     map->name_ = std::move(package);
-    map->pins_ = pins.Designators();
-    map->order_ = pins.Places();
+    SortedPins sorted = SortPins(pins);
+    map->pins_ = std::move(sorted.designators);
+    map->order_ = std::move(sorted.places);
     auto maps = std::make_unique<LObjList>();
     ListAccess::Objects(*maps).push_back(map.get());
 
     static_cast<void>(map.release());  // the list has it now
     parser_.DestroyPackageMaps();
     parser_.package_maps_ = std::move(maps);
-    parser_.designators_.reset();
 }
 
 }  // namespace bscan::detail

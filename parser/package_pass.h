@@ -2,13 +2,14 @@
 #pragma once
 
 #include <bscan/parser.h>
+#include <bscan/pin_name.h>
 
-#include "parser/pin_sort.h"
 #include "parser/statement_reader.h"
 
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace bscan::detail {
 
@@ -24,8 +25,8 @@ public:
 
 private:
     int FindPinMap(std::string& first_line, std::string& statement);
-    static bool CollectPins(std::string_view value, PinSet& pins);
-    void Publish(std::string package, const PinSet& pins);
+    static bool CollectPins(std::string_view value, std::vector<PIN_NAME>& pins);
+    void Publish(std::string package, const std::vector<PIN_NAME>& pins);
 
     BScanParser& parser_;
     StatementReader reader_;

@@ -2,12 +2,12 @@
 
 #include <bscan/parser.h>
 
-#include "parser/designator_index.h"
 #include "parser/main_file.h"
 #include "parser/main_pass.h"
 #include "parser/package_pass.h"
 #include "support/border.h"
 #include "support/file.h"
+#include "support/text_view.h"
 
 #include <utility>
 
@@ -45,21 +45,34 @@ void BScanParser::DestroyPackageMaps() {
     package_maps_.reset();
 }
 
+// The value that a cell starts with: what was captured for it, or its safe value without a capture.
+eSignal BScanParser::FirstValue(int cell, eSignal safe) const {
+    if (!capture_) return safe;
+    const auto& [data, mask] = *capture_;
+    const auto place = static_cast<std::size_t>(cell);
+    if (cell < 0 || place >= data.size() || mask[place] == 0) return SIG_X;
+    return data[place] == 0 ? SIG_0 : data[place] == 1 ? SIG_1 : SIG_X;
+}
+
 int BScanParser::Initialize(const char* bsdlFile, const char* defaultDir) {
-    return GuardedCode([&] {
+    return GuardedCode([&]() -> int {
         int result = SetDefaultDir(defaultDir);
         if (result < 0) return result;
         if (bsdlFile != nullptr && *bsdlFile != '\0') bsdl_filename_ = std::string(bsdlFile);
         // Both passes read one stream: to rewind it costs less than to open the file again.
-        FilePointer file = OpenFile(GetBSDLFilename());
-        if (file == nullptr) return static_cast<int>(bscan::kCannotOpen);
+        FilePointer file = OpenForReading(GetBSDLFilename());
+        if (file == nullptr) return bscan::kCannotOpen;
         result = PackagePass(*this, file.get()).Read();
         if (result < 0) return result;
         std::rewind(file.get());
         SetMainFile(std::move(file));
         result = Reset();
         if (result < 0 || error_handler_ == nullptr) return result;
-        error_handler_->directory_ = *default_directory_;
+        error_handler_->SetDefaultDir(defaultDir);
+        // It changes nothing when memory is exhausted.
+        if (error_handler_->directory_ != View(defaultDir)) {
+            return bscan::kOutOfMemory;
+        }
         std::string name = kErrorList;
         return error_handler_->Initialize(name.data(), 3);
     });
@@ -118,10 +131,7 @@ void BScanParser::SetComponentName(char* name) {
 
 void BScanParser::SetPackageType(char* type) {
     if (type == nullptr) return;
-    GuardedQuietly([&] {
-        package_type_ = std::string(type);
-        designators_.reset();
-    });
+    GuardedQuietly([&] { package_type_ = std::string(type); });
 }
 
 BScanPinMap* BScanParser::GetPinMap() const { return pin_map_.get(); }

@@ -5,61 +5,49 @@
 #include <algorithm>
 
 namespace bscan::detail {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+}  // namespace
 
 PinMapCutter::PinMapCutter(std::string_view value)
-    : value_(TrimRight(value)), separators_(value_) {}
+    : value_(TrimRight(value)), colon_(value_, ':'), comma_(value_, ',') {}
 
-void PinMapCutter::SkipBlanks() {
+// Goes on at a position, or behind the blanks there.
+void PinMapCutter::SkipTo(std::size_t position) {
+    at_ = std::min(position, value_.size());
     while (at_ < value_.size() && IsBlank(value_[at_])) ++at_;
-}
-
-std::size_t PinMapCutter::Next(char separator, bool& any) {
-    if (!any) return Separators::kNone;
-    separators_.SkipTo(at_);
-    for (;;) {
-        const std::size_t place = separators_.Next();
-        if (place == Separators::kNone) break;
-        if (value_[place] == separator) return place;
-    }
-    // The others may be wanted yet.
-    separators_ = Separators(value_);
-    any = false;
-    return Separators::kNone;
 }
 
 bool PinMapCutter::Next(PinMapEntry& entry) {
     if (at_ >= value_.size()) return false;
-    constexpr std::size_t kNone = Separators::kNone;
-    if (const std::size_t colon = Next(':', any_colon_); colon != kNone && colon > at_) {
-        port_ = TrimRight(Rest(colon - at_));
-        at_ = colon + 1;
-        SkipBlanks();
+    const std::size_t colon = colon_.From(at_);
+    if (colon != kNone && colon > at_) {
+        port_ = TrimRight(value_.substr(at_, colon - at_));
+        SkipTo(colon + 1);
     }
     entry.port = port_;
     const bool is_group = at_ < value_.size() && value_[at_] == '(';
     if (is_group) {
-        ++at_;
-        SkipBlanks();
+        SkipTo(at_ + 1);
+        // A group that is not closed is the rest of the value.
         const std::size_t closing = std::min(value_.find(')', at_), value_.size());
-        entry.pins = TrimRight(Rest(closing - at_));
-        at_ = std::min(closing + 1, value_.size());
-        SkipBlanks();
+        entry.pins = TrimRight(value_.substr(at_, closing - at_));
+        SkipTo(closing + 1);
     }
-    const std::size_t comma = Next(',', any_comma_);
-    if (!is_group) entry.pins = TrimRight(Rest(comma == kNone ? kNone : comma - at_));
-    if (comma != kNone) {
-        at_ = comma + 1;
-        SkipBlanks();
-    } else if (!is_group) {
-        at_ = value_.size();
-    }
+    const std::size_t comma = comma_.From(at_);
+    const std::size_t end = std::min(comma, value_.size());
+    if (!is_group) entry.pins = TrimRight(value_.substr(at_, end - at_));
+    // Without a comma, what follows a group is another entry.
+    if (!is_group || comma != kNone) SkipTo(end + 1);
     return true;
 }
 
 bool TakePin(std::string_view& pins, std::string_view& pin) {
     if (pins.empty()) return false;
-    const std::size_t comma = Find(pins, ',');
-    if (comma == std::string_view::npos || comma == 0) {
+    const std::size_t comma = pins.find(',');
+    if (comma == kNone || comma == 0) {
         pin = pins;
         pins = {};
     } else {

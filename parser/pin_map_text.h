@@ -1,8 +1,6 @@
 // The text of pin map strings.
 #pragma once
 
-#include "support/search.h"
-
 #include <cstddef>
 #include <string_view>
 
@@ -14,6 +12,25 @@ struct PinMapEntry {
     std::string_view pins;  // designators between commas
 };
 
+// Tells where a character comes next in a text. It searches no part of the text twice, so that a
+// text without the character stays cheap.
+class NextPlace {
+public:
+    NextPlace(std::string_view text, char character)
+        : text_(text), character_(character), place_(text.find(character)) {}
+
+    // The first place at or behind a position; npos without one. Positions may only grow.
+    std::size_t From(std::size_t position) {
+        if (place_ < position) place_ = text_.find(character_, position);
+        return place_;
+    }
+
+private:
+    std::string_view text_;
+    char character_;
+    std::size_t place_;
+};
+
 // Takes a pin map string such as "TDI : 5, D : (A1, A2, B1)" apart, entry by entry.
 class PinMapCutter {
 public:
@@ -23,19 +40,13 @@ public:
     bool Next(PinMapEntry& entry);
 
 private:
-    using Separators = Marks<':', ','>;
-
-    // The next place of a separator; kNone, and `any` cleared, when there is none.
-    std::size_t Next(char separator, bool& any);
-    std::string_view Rest(std::size_t length) const { return value_.substr(at_, length); }
-    void SkipBlanks();
+    void SkipTo(std::size_t position);
 
     std::string_view value_;
-    Separators separators_;
+    NextPlace colon_;
+    NextPlace comma_;
     std::size_t at_ = 0;
     std::string_view port_;
-    bool any_colon_ = true;  // in what is left
-    bool any_comma_ = true;
 };
 
 // Takes the next designator off the pins of an entry; false when none is left.

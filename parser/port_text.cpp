@@ -42,11 +42,11 @@ void PortClauseEnd::GoOnWith(std::string_view line) {
     const auto is_inside = [](std::size_t position) {
         return position != std::string_view::npos && position > 0;
     };
-    if (const std::size_t opening = Find(line, '('); is_inside(opening)) {
+    if (const std::size_t opening = line.find('('); is_inside(opening)) {
         const std::string_view range = TrimLeft(line.substr(opening + 1));
-        const std::size_t closing = Find(range, ')');
+        const std::size_t closing = range.find(')');
         if (is_inside(closing)) Remember(range.substr(closing + 1));
-    } else if (const std::size_t closing = Find(line, ')'); is_inside(closing)) {
+    } else if (const std::size_t closing = line.find(')'); is_inside(closing)) {
         Remember(line.substr(closing));
     }
 }

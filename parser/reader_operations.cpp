@@ -2,13 +2,10 @@
 
 #include <bscan/parser.h>
 
-#include "parser/designator_index.h"
 #include "parser/main_pass.h"
 #include "parser/package_pass.h"
 #include "support/border.h"
 #include "support/file.h"
-
-#include <memory>
 
 using namespace bscan::detail;
 
@@ -58,13 +55,15 @@ int BScanParser::ReadBSCANPinMap(FILE* file, const char* statement) {
 
 int BScanParser::MapPinNametoPinNumber(const char* pin) {
     if (pin == nullptr) return bscan::kNoPinName;
-    return GuardedCode([&] { return MainPass(*this, nullptr).PinNumber(pin); });
+    return GuardedCode([&] {
+        const MainPass pass(*this, nullptr);
+        return MainPass::PinNumber(pass.SelectedPackage(), pin);
+    });
 }
 
 int BScanParser::ReadPackageDB(char* bsdlFile) {
     return GuardedCode([&] {
-        const auto buffer = std::make_unique_for_overwrite<char[]>(kFileBufferSize);
-        const FilePointer file = OpenForReading(bsdlFile, {buffer.get(), kFileBufferSize});
+        const FilePointer file = OpenForReading(bsdlFile);
         if (file == nullptr) return static_cast<int>(bscan::kCannotOpen);
         return PackagePass(*this, file.get()).Read();
     });

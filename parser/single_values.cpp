@@ -7,6 +7,8 @@
 #include "parser/main_pass.h"
 #include "support/text_view.h"
 
+#include <utility>
+
 namespace bscan::detail {
 
 // The value of such an attribute is the last word in front of its ';'.
@@ -25,9 +27,9 @@ int MainPass::ReadBoundaryLength(std::string& statement) {
     if (parser_.pin_map_ == nullptr) return kLengthWithoutPorts;
     const int length = DecimalValue(word);
     if (length <= 0 || length > kMaxBoundaryLength) return kBadValue;
-    if (!ChargeExtraWork(length + std::int64_t{parser_.pin_map_->GetNumberOfPins()})) {
-        return kBadValue;
-    }
+    // All its cells are made anew, and every port loses those that it lists.
+    const std::int64_t work = std::int64_t{length} + parser_.pin_map_->GetNumberOfPins();
+    if (std::exchange(has_length_, true) && !MayRepeat(work)) return kRepeatedTooOften;
     DeviceBuilder(*parser_.pin_map_).AllocateCells(length);
     return kOk;
 }

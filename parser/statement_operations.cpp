@@ -48,17 +48,19 @@ int CompleteIn(std::int64_t& lines, FILE* file, char* statement, Terminator term
 int BScanParser::GetLine(FILE* file, char* line, char* comment) {
     if (line == nullptr) return bscan::kFailed;
     return GuardedCode([&] {
-        const std::int64_t lines_before = line_number_;
         LineReader reader(file, line_number_);
         Line next;
-        const int result = reader.Next(next);
-        // Each physical read sets the comment anew, whether or not its line is delivered.
-        if (comment != nullptr && line_number_ != lines_before) {
-            Put(comment, next.comment);
-            if (!next.comment.empty()) Put(comment + next.comment.size(), "*");
-        }
-        if (result == bscan::kOk) Put(line, next.text);
-        return result;
+        do {
+            const int result = reader.ReadOnce(next);
+            if (result != bscan::kOk) return result;
+            // Each read sets the comment anew, whether or not its line is delivered.
+            if (comment != nullptr) {
+                Put(comment, next.comment);
+                if (!next.comment.empty()) Put(comment + next.comment.size(), "*");
+            }
+        } while (next.text.empty());
+        Put(line, next.text);
+        return static_cast<int>(bscan::kOk);
     });
 }
 

@@ -2,30 +2,16 @@
 
 #include <bscan/result.h>
 
-#include "support/huge_pages.h"
 #include "support/text_view.h"
-
-#include <algorithm>
 
 namespace bscan::detail {
 namespace {
-
-// The room that a value has from the beginning, which is enough for most, and how little may be
-// left of it before there is more.
-constexpr std::size_t kFirstRoom = std::size_t{1} << 16;
-constexpr std::size_t kLeastRoom = 2 * kPhysicalRead;
 
 const Terminator kPieceEnd = Terminator::AnyOf("&;");
 
 // A ';' ends a value only where it is the last character, and the first of its kind.
 bool EndsValue(std::string_view text) {
-    return !text.empty() && text.back() == ';' && Find(text, ';') == text.size() - 1;
-}
-
-// Whether a text joins its piece to the next or ends it: mostly its last character does.
-bool EndsPiece(std::string_view text) {
-    if (text.empty()) return false;
-    return text.back() == '&' || text.back() == ';' || Find(text, '&', ';') != text.npos;
+    return text.ends_with(';') && text.find(';') == text.size() - 1;
 }
 
 // The quoted text at the front; nothing without a closing quote.
@@ -64,31 +50,21 @@ int StatementReader::NextStatement(Terminator terminator, std::string& storage,
 
 int StatementReader::ReadStringValue(std::string_view start, Comments comments,
                                      std::string& value) {
-    value.reserve(kFirstRoom);
     bool ended = false;
     int result = start.empty() ? static_cast<int>(kOk) : ReadFirstPiece(start, value, ended);
     while (result == kOk && !ended) {
-        if (value.capacity() - value.size() < kLeastRoom) MakeRoom(value);
         result = ReadPiece(comments, value, ended);
         if (value.size() > kMaxStatementLength) return kTextTooLong;
     }
     return result;
 }
 
-// Grows a large value once, to what the file can hold of it, instead of again and again.
-void StatementReader::MakeRoom(std::string& value) const {
-    const std::size_t most = value.size() + lines_.BytesLeft();
-    if (most <= value.capacity()) return;
-    value.reserve(std::min(most, kMaxStatementLength));
-    PreferHugePages(value.data() + value.size(), value.capacity() - value.size());
-}
-
 int StatementReader::ReadFirstPiece(std::string_view start, std::string& value, bool& ended) {
-    extended_.assign(start);
-    const int result = Complete(extended_, kPieceEnd);
+    std::string piece(start);
+    const int result = Complete(piece, kPieceEnd);
     if (result != kOk) return result;
-    value.append(UpToQuote(extended_));
-    ended = EndsValue(extended_);
+    value.append(UpToQuote(piece));
+    ended = EndsValue(piece);
     if (!ended) value.push_back(' ');
     return kOk;
 }
@@ -97,31 +73,27 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
     Line line;
     int result = lines_.Next(line);
     if (result != kOk) return result;
-    // Mostly a piece begins its line.
-    std::string_view rest =
-        TrimLeft(line.text.front() == '"' ? line.text.substr(1) : CutAt(line.text, '"').after);
-    if (!EndsPiece(rest)) {
-        result = ReadLongPiece(line.comment, rest);
-        if (result != kOk) return result;
+    const std::string_view rest = TrimLeft(CutAt(line.text, '"').after);
+    if (kPieceEnd.IsIn(rest)) {
+        ended = EndsValue(line.text);
+        AppendPiece(rest, comments == Comments::kKeep ? line.comment : "", value);
+        return kOk;
     }
-    // The ';' may stand on a line of its own behind the last piece.
-    ended = EndsValue(rest);
-    value.append(UpToQuote(rest));
-    if (comments == Comments::kKeep && !line.comment.empty()) {
-        value.append(1, ' ').append(line.comment).push_back('*');
-    }
-    value.push_back(' ');
+    // Further lines belong to the piece. The ';' may stand on one of its own behind the last piece.
+    const std::string comment(comments == Comments::kKeep ? line.comment : "");
+    std::string piece(rest);
+    result = Complete(piece, kPieceEnd);
+    if (result != kOk) return result;
+    ended = EndsValue(piece);
+    AppendPiece(piece, comment, value);
     return kOk;
 }
 
-// Takes in further lines, up to what joins or ends a piece that one line does not hold.
-int StatementReader::ReadLongPiece(std::string_view& comment, std::string_view& rest) {
-    comment_.assign(comment);
-    comment = comment_;
-    extended_.assign(rest);
-    const int result = Complete(extended_, kPieceEnd);
-    rest = extended_;
-    return result;
+void StatementReader::AppendPiece(std::string_view text, std::string_view comment,
+                                  std::string& value) {
+    value.append(UpToQuote(text));
+    if (!comment.empty()) value.append(1, ' ').append(comment).push_back('*');
+    value.push_back(' ');
 }
 
 }  // namespace bscan::detail

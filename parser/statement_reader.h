@@ -17,7 +17,7 @@ namespace bscan::detail {
 // What ends a statement.
 class Terminator {
 public:
-    // The text holds this character, or text. A single character is found faster.
+    // The text holds this character, or text.
     static Terminator Text(std::string_view text) {
         return Terminator(text, text.size() == 1 ? Kind::kAnyOf : Kind::kText);
     }
@@ -26,7 +26,9 @@ public:
 
     bool IsIn(std::string_view text) const {
         if (kind_ == Kind::kText) return Contains(text, text_);
-        return std::any_of(text_.begin(), text_.end(), [&](char c) { return Contains(text, c); });
+        // Mostly it stands at the end of its line.
+        return std::any_of(text_.begin(), text_.end(),
+                           [&](char c) { return text.rfind(c) != std::string_view::npos; });
     }
 
 private:
@@ -66,14 +68,11 @@ public:
     int ReadStringValue(std::string_view start, Comments comments, std::string& value);
 
 private:
-    void MakeRoom(std::string& value) const;
     int ReadFirstPiece(std::string_view start, std::string& value, bool& ended);
     int ReadPiece(Comments comments, std::string& value, bool& ended);
-    int ReadLongPiece(std::string_view& comment, std::string_view& rest);
+    static void AppendPiece(std::string_view text, std::string_view comment, std::string& value);
 
     LineReader lines_;
-    std::string extended_;  // a piece that goes on over several lines
-    std::string comment_;   // that of its first line
 };
 
 // The text behind the opening quote of a string value: what follows the first quote of a text, or

@@ -13,8 +13,8 @@ using namespace bscan::detail;
 
 namespace {
 
-// More than this of an error list is not read.
 constexpr std::size_t kMaxListSize = std::size_t{16} << 20;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::uint32_t Key(std::uint16_t group, std::uint16_t number) {
     return static_cast<std::uint32_t>(group) << 16 | number;
@@ -76,7 +76,9 @@ int ErrorHandler::Initialize(char* filename, int) {
             OpenForReading((directory_.empty() ? name : directory_ + '/' + name).c_str());
         std::unordered_map<std::uint32_t, ErrorElement> elements;
         const std::string text = file == nullptr ? std::string() : ReadWhole(file.get());
-        for (std::string_view rest = text; !rest.empty();) {
+        std::string_view rest = text;
+        if (rest.starts_with(kByteOrderMark)) rest.remove_prefix(kByteOrderMark.size());
+        while (!rest.empty()) {
             const std::size_t end = std::min(rest.find('\n'), rest.size());
             AddLine(TrimRight(rest.substr(0, end)), elements);
             rest.remove_prefix(std::min(end + 1, rest.size()));

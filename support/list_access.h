@@ -3,21 +3,25 @@
 
 #include <bscan/object_list.h>
 
+#include <vector>
+
 namespace bscan::detail {
 
-// Whoever owns a list and has to know when a host takes objects off it.
+// Whoever owns a list that it hands out, and has to know when a host changes it.
 class ListOwner {
 public:
+    virtual void Appended() = 0;
     virtual void Removed(LObject* object) = 0;
 
 protected:
     ~ListOwner() = default;
 };
 
+// What is done to a list through here its owner does not hear of.
 class ListAccess {
 public:
-    static ObjectPointers& Objects(LObjList& list) { return list.objects_; }
-    static const ObjectPointers& Objects(const LObjList& list) { return list.objects_; }
+    static std::vector<LObject*>& Objects(LObjList& list) { return list.objects_; }
+    static const std::vector<LObject*>& Objects(const LObjList& list) { return list.objects_; }
 
     // Null for a list that nobody owns.
     static void SetOwner(LObjList& list, ListOwner* owner) { list.owner_ = owner; }

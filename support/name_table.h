@@ -11,6 +11,9 @@ namespace bscan::detail {
 // A set of names in which each has a number, from 0 in the order of their coming. The names are
 // copied, without an allocation for each. The hash is seeded anew in each process: a file cannot be
 // written so that its names collide.
+//
+// With std::unordered_map in its place, a device of 100,000 ports takes three times as long to
+// read: its nodes lie far apart, and most names are sought in about the order in which they came.
 class NameTable {
 public:
     static constexpr int kNone = -1;
@@ -19,9 +22,6 @@ public:
     int Find(std::string_view name) const;
     // The number of a name, which is added when it is new.
     int Add(std::string_view name);
-    bool Is(int number, std::string_view name) const {
-        return Is(static_cast<std::uint32_t>(number), Sought(name));
-    }
     bool IsEmpty() const { return entries_.empty(); }
     // Makes room for so many names in all.
     void Reserve(std::size_t count);

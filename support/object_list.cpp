@@ -7,7 +7,10 @@ LObjList::LObjList() = default;
 LObjList::~LObjList() = default;
 
 void LObjList::AddTail(LObject* object) {
-    bscan::detail::GuardedQuietly([&] { objects_.push_back(object); });
+    bscan::detail::GuardedQuietly([&] {
+        objects_.push_back(object);
+        if (owner_ != nullptr) owner_->Appended();
+    });
 }
 
 int LObjList::GetCount() { return static_cast<int>(objects_.size()); }

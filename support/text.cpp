@@ -17,8 +17,7 @@ int Position(std::size_t found) {
 
 // Moves a text, which may overlap its destination, and terminates it.
 void Place(char* destination, std::string_view text) {
-    if (destination == nullptr) return;
-    if (!text.empty()) std::memmove(destination, text.data(), text.size());
+    std::memmove(destination, text.data(), text.size());
     destination[text.size()] = '\0';
 }
 
@@ -27,16 +26,14 @@ std::size_t Held(int count, std::string_view text) {
     return count <= 0 ? 0 : std::min(static_cast<std::size_t>(count), text.size());
 }
 
-void Append(char* destination, const char* source, int count) {
-    if (destination == nullptr) return;
-    const std::string_view text = View(source);
-    Place(destination + std::strlen(destination),
-          count <= 0 ? text : text.substr(0, Held(count, text)));
+void Copy(char* destination, const char* source, int count) {
+    if (destination == nullptr || source == nullptr) return;
+    const std::string_view text = source;
+    Place(destination, count <= 0 ? text : text.substr(0, Held(count, text)));
 }
 
-void Copy(char* destination, const char* source, int count) {
-    const std::string_view text = View(source);
-    Place(destination, count <= 0 ? text : text.substr(0, Held(count, text)));
+void Append(char* destination, const char* source, int count) {
+    if (destination != nullptr) Copy(destination + std::strlen(destination), source, count);
 }
 
 }  // namespace
@@ -63,18 +60,24 @@ int LString::ReverseFindOneOf(const char* text, const char* set) {
 }
 
 void LString::Left(char* destination, const char* source, int count) {
-    const std::string_view text = View(source);
+    if (destination == nullptr || source == nullptr) return;
+    const std::string_view text = source;
     Place(destination, text.substr(0, Held(count, text)));
 }
 
 void LString::Right(char* destination, const char* source, int count) {
-    const std::string_view text = View(source);
+    if (destination == nullptr || source == nullptr) return;
+    const std::string_view text = source;
     Place(destination, text.substr(text.size() - Held(count, text)));
 }
 
-void LString::TrimLeft(char* text) { Place(text, bscan::detail::TrimLeft(View(text))); }
+void LString::TrimLeft(char* text) {
+    if (text != nullptr) Place(text, bscan::detail::TrimLeft(text));
+}
 
-void LString::TrimRight(char* text) { Place(text, bscan::detail::TrimRight(View(text))); }
+void LString::TrimRight(char* text) {
+    if (text != nullptr) Place(text, bscan::detail::TrimRight(text));
+}
 
 void util_strncpy(char* destination, const char* source, int count, int) {
     Copy(destination, source, count);

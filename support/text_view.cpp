@@ -1,7 +1,9 @@
 #include "support/text_view.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
+#include <system_error>
 
 namespace bscan::detail {
 
@@ -32,25 +34,20 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
 }
 
 std::int32_t DecimalValue(std::string_view text) {
-    const char* at = text.data();
-    const char* const end = at + text.size();
+    const auto is_space = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
     // The conversion skips vertical tab and form feed too, which trimming keeps.
-    while (at != end && (*at == ' ' || (*at >= '\t' && *at <= '\r'))) ++at;
-    bool negative = false;
-    if (at != end && (*at == '-' || *at == '+')) negative = *at++ == '-';
-    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
-    const std::uint64_t limit = negative ? kMost + 1 : kMost;
-    std::uint64_t value = 0;
-    for (; at != end && IsDigit(*at); ++at) {
-        const auto digit = static_cast<std::uint64_t>(*at - '0');
-        // One digit more fits for certain below a tenth of the limit.
-        if (value >= kMost / 10 && value > (limit - digit) / 10) {
-            value = limit;
-            break;
-        }
-        value = value * 10 + digit;
+    while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-')) return 0;  // one sign at the most
     }
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(negative ? 0 - value : value));
+    std::int64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        value = text.front() == '-' ? std::numeric_limits<std::int64_t>::min()
+                                    : std::numeric_limits<std::int64_t>::max();
+    }
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
 }
 
 }  // namespace bscan::detail

@@ -1,9 +1,7 @@
 // Cutting, comparing and converting text without copying it.
 #pragma once
 
-#include "support/search.h"
-#include "support/word.h"
-
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,33 +13,30 @@ inline std::string_view View(const char* text) {
     return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
-inline bool IsBlank(char c) {
-    constexpr std::uint64_t kBlanks = 1ULL << ' ' | 1ULL << '\t' | 1ULL << '\r' | 1ULL << '\n';
-    const auto code = static_cast<unsigned char>(c);
-    return code <= ' ' && (kBlanks >> code & 1U) != 0;
-}
+inline bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 inline bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 inline char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 inline char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 inline std::string_view TrimLeft(std::string_view text) {
-    const char* begin = text.data();
-    const char* const end = begin + text.size();
-    while (begin != end && IsBlank(*begin)) ++begin;
-    return {begin, static_cast<std::size_t>(end - begin)};
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    return text;
 }
 
 inline std::string_view TrimRight(std::string_view text) {
-    std::size_t size = text.size();
-    while (size > 0 && IsBlank(text[size - 1])) --size;
-    return {text.data(), size};
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 inline std::string_view Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
 
 // The position of the first space, tab or line feed.
-inline std::size_t FindSpace(std::string_view text) { return Find(text, ' ', '\t', '\n'); }
+inline std::size_t FindSpace(std::string_view text) {
+    const auto* const found = std::find_if(
+        text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t' || c == '\n'; });
+    return found == text.end() ? text.npos : static_cast<std::size_t>(found - text.begin());
+}
 
 // A text cut in two at a character, which neither part holds.
 struct Parts {
@@ -53,11 +48,11 @@ struct Parts {
 // part after is the whole text; the readers rely on that for malformed statements.
 inline Parts CutAt(std::string_view text, std::size_t position) {
     if (position == std::string_view::npos) return {{}, text};
-    return {{text.data(), position}, {text.data() + position + 1, text.size() - position - 1}};
+    return {text.substr(0, position), text.substr(position + 1)};
 }
 
 inline Parts CutAt(std::string_view text, char character) {
-    return CutAt(text, Find(text, character));
+    return CutAt(text, text.find(character));
 }
 
 // Cuts at a character and trims the part before on its right, the part after on its left.
@@ -74,16 +69,12 @@ inline bool Contains(std::string_view text, std::string_view sought) {
 }
 
 inline bool Contains(std::string_view text, char sought) {
-    return Find(text, sought) != std::string_view::npos;
+    return text.find(sought) != std::string_view::npos;
 }
 
 // Whether a text is what UpperCase would make of it.
 inline bool IsUpperCase(std::string_view text) {
-    std::uint64_t lower = 0;
-    for (; text.size() > 8; text.remove_prefix(8)) {
-        lower |= BytesBetween(LoadWord(text.data()), 'a', 'z');
-    }
-    return (lower | BytesBetween(ShortWord(text), 'a', 'z')) == 0;
+    return std::none_of(text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
 }
 
 void UpperCase(char* text, std::size_t length);
@@ -91,7 +82,8 @@ void UpperCase(std::string& text);
 void LowerCase(std::string& text);
 
 inline bool EqualIgnoringCase(std::string_view left, std::string_view right) {
-    return left.size() == right.size() && EqualWords(left, right, UpperCaseWord);
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return a == b || ToUpper(a) == ToUpper(b); });
 }
 
 // Compares as strcmp does, with all letters taken as lower case.

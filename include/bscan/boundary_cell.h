@@ -2,17 +2,16 @@
 /// One cell of the boundary register.
 #pragma once
 
-#include <bscan/detail/name.h>
 #include <bscan/export.h>
 #include <bscan/object.h>
 #include <bscan/signal.h>
 
-#include <string_view>
+#include <string>
 
 class LPinNode;
 
 namespace bscan::detail {
-class CellIndex;
+class CellNames;
 class DeviceBuilder;
 }
 
@@ -41,29 +40,18 @@ enum CellFunction : int {
 /// refers to its port and its control cell without owning them. Texts handed in are copied; a null
 /// text changes nothing.
 class BSCAN_EXPORT LBScanCell : public LObject {
-private:
-    // What every driving and observing looks at comes first, in one line of the processor's cache.
-    int position_ = -1;
-    CellFunction function_ = FUNCTION_NONE;
-    LBScanCell* control_ = nullptr;
-
 public:
-    eSignal disableValue = SIG_1;  ///< value of the control cell that turns this cell's driver off
-    eSignal cellValue = SIG_X;     ///< the current value: captured, safe, or asked for by the host
-    // This alignment is that of the whole cell, whose first 32 bytes no line divides.
-    alignas(32) eSignal disableResult = SIG_Z;  ///< what the pin shows while the driver is off
-    eSignal safeValue = SIG_X;                  ///< the value that the device's maker calls safe
+    eSignal safeValue = SIG_X;      ///< the value that the device's maker calls safe
+    eSignal cellValue = SIG_X;      ///< the current value: captured, safe, or asked for by the host
+    eSignal disableValue = SIG_1;   ///< value of the control cell that turns this cell's driver off
+    eSignal disableResult = SIG_Z;  ///< what the pin shows while the driver is off
 
-private:
-    LPinNode* node_ = nullptr;
-    CellType type_ = BC_UNKNOWN;
-
-public:
     /// Makes a cell at no position, of no known type and function, without port and names.
     LBScanCell();
-    /// Copies every field.
+    /// Copies every field, the position, links and names included. May throw std::bad_alloc.
     LBScanCell(const LBScanCell& other);
-    /// Copies every field, the position, links and names included.
+    /// Copies every field as the constructor does. May throw std::bad_alloc, and then changes
+    /// nothing.
     LBScanCell& operator=(const LBScanCell& other);
     ~LBScanCell() override;
 
@@ -109,14 +97,19 @@ public:
     LPinNode* GetPinNode() const;
 
 private:
-    friend class bscan::detail::CellIndex;
+    friend class bscan::detail::CellNames;
     friend class bscan::detail::DeviceBuilder;
 
-    BSCAN_LOCAL void CopyFrom(const LBScanCell& other, std::string_view pin_name,
-                              std::string_view original_pin_name);
-    BSCAN_LOCAL void NamesSet();
+    BSCAN_LOCAL void CopyFrom(const LBScanCell& other, std::string pin_name,
+                              std::string original_pin_name);
+    BSCAN_LOCAL void Rename(std::string pin_name, std::string original_pin_name) noexcept;
 
-    bscan::detail::Name pin_name_;
-    bscan::detail::Name original_pin_name_;
-    bscan::detail::CellIndex* index_ = nullptr;  // hears of new names; not copied
+    int position_ = -1;
+    CellType type_ = BC_UNKNOWN;
+    CellFunction function_ = FUNCTION_NONE;
+    LPinNode* node_ = nullptr;
+    LBScanCell* control_ = nullptr;
+    std::string pin_name_;
+    std::string original_pin_name_;
+    bscan::detail::CellNames* names_ = nullptr;  // of its table, told of new names; not copied
 };

@@ -23,7 +23,8 @@ struct DeviceIndex;
 /// A device as its BSDL file describes it, and the engine that drives and observes its pins.
 ///
 /// The map owns its port elements, its cells and its scan vector; what a lookup returns stays owned
-/// by the map and valid as long as it (a cell until the cell table is allocated again).
+/// by the map and valid as long as it (a cell until the cell table is allocated again). When it is
+/// destroyed, it destroys elements and cells from the last to the first.
 ///
 /// A *pin number* is the package pin number that the pin map gave a port element. Numbers count
 /// from 1, and numbers above GetNumberOfPins() are never found, even when an element carries one.
@@ -31,9 +32,19 @@ struct DeviceIndex;
 /// A *port name* is matched without regard to letter case, by turning both the given buffer and
 /// the stored names up to the match (all of them when nothing matches) into upper case in place.
 /// Cell names are matched without regard to case too, but left as they are. Pin names are matched
-/// exactly. Where several elements or cells match, the first counts. Lookups take constant time,
-/// except for elements whose writable name pointer the host has asked for, which are looked at
-/// one by one.
+/// exactly. Where several elements or cells match, the first counts.
+///
+/// Lookups do not walk over the device, with these exceptions:
+/// - the first lookup of a kind learns the device, and so does the next one after AddNewPorts();
+///   likewise by pin name after LPinNode::SetPinName(), by pin number after
+///   LPinNode::SetPinNumber(), and by cell name after AllocateBScanCellTable();
+/// - once a host has called SetPortName() or GetPortName() of any element (or GetPortName(int)),
+///   every lookup by port name walks, the Serial operations and AddNewRegister() included; once it
+///   has called GetPinName(), every lookup by pin name. bscan::PortName() and bscan::PinName() read
+///   the names without that;
+/// - once a host has appended to the list of GetPinListArray(), or taken from it, every lookup by
+///   port name, pin name or pin number walks, and so does every operation that takes a pin number;
+/// - when memory is short.
 ///
 /// The *scan vector* has one bit for each cell: cell n is the bit 0x80 >> (n % 8) of byte n / 8.
 /// Cell 0 is the one next to TDO, so its bit goes in first.
@@ -69,8 +80,9 @@ public:
     void SetPinNumber(char* portName, int index, int number);
 
     /// Starts a fresh boundary register of @p length cells and a scan vector of as many 0 bits.
-    /// The cells of a former register are destroyed and leave every port. A negative length or one
-    /// above bscan::kMaxBoundaryLength changes nothing.
+    /// The cells of a former register are destroyed. The list of every port is emptied, so that
+    /// cells of a host's own leave it too. A negative length or one above
+    /// bscan::kMaxBoundaryLength changes nothing.
     void AllocateBScanCellTable(int length);
 
     /// Fills one cell and ties it to its port element.
@@ -117,12 +129,15 @@ public:
     /// @name Driving and observing
     /// @{
 
-    /// Drives a port (PORT_OUT) to a level, or releases it (PORT_IN), and updates its bits.
+    /// Drives a port (PORT_OUT) to a level, or lets it receive (PORT_IN), and updates its bits; see
+    /// LPinNode::SetOutput() and LPinNode::SetInput(). With PORT_IN, an "inout" port that has an
+    /// observe cell keeps its driver on, and the result is 0.
     ///
     /// @param pin  pin number.
     /// @param direction  PORT_OUT or PORT_IN.
     /// @param value  the level; recorded as the port's value even when driving fails.
-    /// @return 0, also for a port without cells; -1 for an unknown pin, a direction that the mode
+    /// @return 0; for a port without cells 0 whatever its mode and @p direction, and nothing is
+    ///         driven: HasBScanCell() tells. -1 for an unknown pin, a direction that the mode
     ///         refuses, or a port that lacks a cell for it (no bit changes then); -1 also when a
     ///         cell of the port has no position in the register.
     int setPort(int pin, PortType direction, eSignal value);
@@ -132,8 +147,10 @@ public:
     /// @return 0; -1 for an unknown pin or without a register.
     int setPort(int pin, PortType direction, eSignal value, bool flag);
 
-    /// @return PORT_OUT or PORT_IN by the port's mode; for an "inout" port by whether its control
-    ///         cell turns the driver on; PORT_NONE when that cannot be told.
+    /// @return PORT_OUT or PORT_IN by the port's mode; for an "inout" port, and one of no known
+    ///         mode, PORT_IN when the control cell of its last OUTPUT2, OUTPUT3 or BIDIR cell holds
+    ///         that cell's disable value, and PORT_OUT when it holds any other, SIG_X included;
+    ///         PORT_NONE without such cells.
     PortType GetPortDirection(int pin);
     /// Tells the level that a port shows in its cells.
     ///
@@ -216,7 +233,7 @@ private:
 
     std::unique_ptr<unsigned char[]> bits_;
     LObjList pins_;
-    std::vector<LBScanCell> cells_;
+    std::unique_ptr<LBScanCell[]> cells_;
     int length_ = 0;
     std::optional<std::string> default_directory_;
     std::vector<std::string> io_names_;

@@ -8,12 +8,13 @@
 
 namespace bscan::detail {
 class MainPass;
+class ModelFiller;
 }
 
 /// The two ports of a differential pair and, once known, their cells.
 ///
 /// Names are copied; a null name changes nothing. A getter's text is valid until the name is set
-/// again or the pair is destroyed.
+/// again or the pair is destroyed. Copying a pair may throw std::bad_alloc.
 class BSCAN_EXPORT CDifferentialPair {
 public:
     /// Makes a pair with empty names and both positions -1.
@@ -40,6 +41,7 @@ public:
 
 private:
     friend class bscan::detail::MainPass;
+    friend class bscan::detail::ModelFiller;
 
     std::string positive_element_;
     std::string negative_element_;

@@ -6,6 +6,7 @@
 /// Empty lines and lines that begin with '#' are skipped, malformed lines too. Of two elements
 /// with the same group and number the first counts. In a message, the first "%d" stands for the
 /// line number and the second for the column number; every other character is copied as it is.
+/// A byte order mark at the beginning is passed over. More than the first 16 MiB are not read.
 #pragma once
 
 #include <bscan/export.h>

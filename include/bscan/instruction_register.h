@@ -9,12 +9,13 @@
 
 namespace bscan::detail {
 class MainPass;
+class ModelFiller;
 }
 
 /// One instruction and its opcodes.
 ///
 /// Texts are copied; a null text changes nothing. A getter's text is valid until the record
-/// changes.
+/// changes. Copying a record may throw std::bad_alloc.
 class BSCAN_EXPORT CInstrOpcode {
 public:
     /// Makes an instruction without name and opcodes.
@@ -37,15 +38,18 @@ public:
     /// @return whether this name comes behind the other, letter case ignored, so that a sort by it
     ///         puts names in descending order.
     bool operator<(const CInstrOpcode& other);
+    /// @copydoc operator<(const CInstrOpcode&)
+    bool operator<(const CInstrOpcode& other) const;
 
 private:
     friend class bscan::detail::MainPass;
+    friend class bscan::detail::ModelFiller;
 
     std::string name_;
     std::vector<std::string> opcodes_;
 };
 
-/// The instruction register of a device.
+/// The instruction register of a device. Copying it may throw std::bad_alloc.
 class BSCAN_EXPORT CInstrRegisterDesc {
 public:
     /// Makes a register of length 0 without capture pattern and instructions.
@@ -74,6 +78,7 @@ public:
 
 private:
     friend class bscan::detail::MainPass;
+    friend class bscan::detail::ModelFiller;
 
     int length_ = 0;
     std::string capture_;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace bscan {
 
@@ -19,5 +20,24 @@ inline constexpr std::size_t kMaxPortNameText = std::size_t{128} << 20;
 
 /// Most cells of one boundary register; a greater BOUNDARY_LENGTH gives ResultCode::kBadValue.
 inline constexpr int kMaxBoundaryLength = 1 << 20;
+
+/// Longest text that Description reads, in bytes.
+inline constexpr std::size_t kMaxDescriptionLength = std::size_t{64} << 20;
+
+/// Most findings that Description keeps of one text.
+inline constexpr std::size_t kMaxFindings = 200;
+
+/// Most pins that a text of steps may name, those of whole vectors counted one by one.
+inline constexpr std::size_t kMaxProgramPins = std::size_t{4} << 20;
+
+/// Most bits that the scans of one program may have together.
+inline constexpr std::size_t kMaxProgramBits = std::size_t{4} << 30;
+
+/// Most work for statements that a file repeats although IEEE 1149.1 allows each once, in one
+/// reading: the cells and port elements of every BOUNDARY_LENGTH but the first, and the characters
+/// in the names of the differential pairs (with the port elements, when the pairs are dropped) of
+/// every BOUNDARY_REGISTER but the first. Beyond it a reader gives ResultCode::kRepeatedTooOften.
+/// A single reader that a host calls is a reading of its own.
+inline constexpr std::int64_t kMaxRepeatedWork = std::int64_t{1} << 24;
 
 }  // namespace bscan

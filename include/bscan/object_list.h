@@ -2,9 +2,10 @@
 /// An ordered list of object pointers, in which the library hands out ports and cells.
 #pragma once
 
-#include <bscan/detail/object_pointers.h>
 #include <bscan/export.h>
 #include <bscan/object.h>
+
+#include <vector>
 
 namespace bscan::detail {
 class ListAccess;
@@ -47,6 +48,6 @@ public:
 private:
     friend class bscan::detail::ListAccess;
 
-    bscan::detail::ObjectPointers objects_;
-    bscan::detail::ListOwner* owner_ = nullptr;  // hears of what is taken off
+    std::vector<LObject*> objects_;
+    bscan::detail::ListOwner* owner_ = nullptr;  // hears of AddTail() and RemoveTail()
 };

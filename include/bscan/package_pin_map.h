@@ -5,12 +5,13 @@
 #include <bscan/export.h>
 #include <bscan/object.h>
 
-#include <cstdint>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace bscan::detail {
-class DesignatorIndex;
+class MainPass;
+class ModelFiller;
 class PackagePass;
 }
 
@@ -18,7 +19,7 @@ class PackagePass;
 ///
 /// Indexes count from 0; the package pin number that the rest of the library uses is the index
 /// plus 1. Texts handed in are copied; a null text changes nothing. Nothing changes either when
-/// memory is exhausted.
+/// memory is exhausted; copying a map may throw std::bad_alloc.
 class BSCAN_EXPORT PackagePinMap : public LObject {
 public:
     /// Makes a map without pins and with an empty name.
@@ -46,10 +47,11 @@ public:
     int GetNumberOfPins() const;
 
 private:
-    friend class bscan::detail::DesignatorIndex;
+    friend class bscan::detail::MainPass;
+    friend class bscan::detail::ModelFiller;
     friend class bscan::detail::PackagePass;
 
     std::vector<std::string> pins_;
-    std::vector<std::uint32_t> order_;  // the pins in the order of the pin map that named them
+    std::vector<std::size_t> order_;  // the pins in the order of the pin map that named them
     std::string name_;
 };

@@ -22,8 +22,8 @@
 #include <vector>
 
 namespace bscan::detail {
-class DesignatorIndex;
 class MainPass;
+class ModelFiller;
 class PackagePass;
 }
 
@@ -69,8 +69,9 @@ public:
     /// @param defaultDir  directory of "ErrorList.txt" (see bscan/error_handler.h); null or empty
     ///        for the working directory. The file may be missing.
     /// @return bscan::kOk, bscan::kBadDirectory, bscan::kCannotOpen (also for a null or empty
-    ///         path), or what reading its package failed with. #fptrBSDL stays as it was unless the
-    ///         last step but the error list was reached.
+    ///         path), or what reading its package failed with. After these #fptrBSDL is what it was
+    ///         before. Once the package is read, the file before is closed and #fptrBSDL is the new
+    ///         one, also when Reset() or the error list then gives a negative code.
     int Initialize(const char* bsdlFile, const char* defaultDir);
 
     /// Reads the file that Initialize() has opened, up to its "end" line.
@@ -129,8 +130,9 @@ public:
     /// @param index  counted from 0.
     /// @return that package map; null without one.
     const PackagePinMap* GetPackageMap(int index) const;
-    /// @return the number of physical line reads since Initialize(); a line longer than 254
-    ///         characters counts once for each 254 characters begun.
+    /// @return the number of physical line reads since the parser was made or Reset(), which
+    ///         Initialize() calls. A read takes at most 254 characters, the line end included: a
+    ///         line of exactly 254 characters and its end are two reads.
     std::int64_t GetLineNumber() const;
     /// @}
 
@@ -164,19 +166,25 @@ public:
     /// @name Readers
     /// The steps of Read(), for hosts that read pieces of BSDL themselves. Each takes the stream
     /// and the text of the statement as far as it has been read, reads on up to the statement's
-    /// end, and returns bscan::kOk or a negative code. Statements may not exceed
-    /// bscan::kMaxStatementLength.
+    /// end, and returns bscan::kOk or a negative code; a code of the operations below, when the
+    /// stream ends first. Statements may not exceed bscan::kMaxStatementLength.
     /// @{
 
-    /// Reads an entity from its first line to its "end" line.
+    /// Reads an entity from its first line to its "end" line. It takes its own lines from @p file,
+    /// but the readers that it calls go on in #fptrBSDL, which should be the same stream.
     int ReadEntity(FILE* file, const char* line);
     /// Reads an attribute statement, by its name.
     int ReadAttribute(FILE* file, const char* line);
-    /// Reads a constant: a pin map string or a boundary register.
+    /// Reads a constant: a pin map string or a boundary register. Others are not read.
+    /// @return bscan::kOk, also for a pin map string that cannot be read; otherwise the code of
+    ///         ReadBSCANBoundaryRegister().
     int ReadConstant(FILE* file, const char* line);
-    /// Reads the text of an entity behind its name, with the generic clause.
+    /// Reads the text of an entity behind its name, with the generic clause, and makes the device.
+    /// @return bscan::kOk, a code of CompleteStatement() or bscan::kNoPinMap.
     int ReadGeneric(FILE* file, char* statement);
-    /// Reads a port clause from its first line.
+    /// Reads a port clause from its first line to the end of the clause.
+    /// @return bscan::kOk, a code of CompleteStatement() or bscan::kNoPinMap. A declaration that
+    ///         makes no port, since it has a negative bound or passes a limit, is no failure.
     int ReadPort(FILE* file, char* line);
     /// Adds the ports of one declaration, such as "A, B : in bit;".
     int CreatePort(char* declaration);
@@ -187,7 +195,10 @@ public:
     /// @return its number in the selected package, from 1; without such a package the decimal value
     ///         of the text; bscan::kNoPinName for null, bscan::kUnknownPin.
     int MapPinNametoPinNumber(const char* pin);
-    /// Numbers the pins of the first package of a file when they have letters.
+    /// Numbers the pins of the first package of a file when they have letters. A second call adds
+    /// its pins to those of the first, and its map takes the place of the first.
+    /// @return bscan::kOk, also when the file has no such package; bscan::kCannotOpen; or a code of
+    ///         CompleteStatement() or GetCompleteStringValue() when the file ends within the map.
     int ReadPackageDB(char* bsdlFile);
     /// Reads PORT_GROUPING into the list of differential pairs.
     int ReadPortGroupingAttribute(FILE* file, const char* statement);
@@ -218,7 +229,8 @@ public:
     /// @param line  receives the line.
     /// @param comment  receives the line's comment with its dashes, trimmed and followed by '*', or
     ///        an empty text; may be null.
-    /// @return bscan::kOk; bscan::kReadFailed or bscan::kEndOfFile (the line is unchanged then).
+    /// @return bscan::kOk; bscan::kReadFailed or bscan::kEndOfFile. The line is unchanged then, and
+    ///         the comment is that of the last read that succeeded, whose line had no text.
     int GetLine(FILE* file, char* line, char* comment);
     /// Appends lines to a statement until one holds ';'. Nothing is read when it holds one already.
     int CompleteStatement(FILE* file, char* statement);
@@ -254,6 +266,7 @@ public:
 
 private:
     friend class bscan::detail::MainPass;
+    friend class bscan::detail::ModelFiller;
     friend class bscan::detail::PackagePass;
 
     /// A host's capture: one byte for each cell, and which of them are valid.
@@ -263,6 +276,7 @@ private:
     };
 
     BSCAN_LOCAL void DestroyPackageMaps();
+    BSCAN_LOCAL eSignal FirstValue(int cell, eSignal safe) const;
 
     std::unique_ptr<ErrorHandler> error_handler_;
     std::vector<CDifferentialPair> differential_pairs_;
@@ -277,7 +291,5 @@ private:
     std::optional<Capture> capture_;
     std::unique_ptr<CInstrRegisterDesc> instruction_register_;
     std::unique_ptr<CRegisterAccessDesc> register_access_;
-    std::unique_ptr<bscan::detail::DesignatorIndex> designators_;  // of the selected package
-    std::int64_t extra_work_ = 0;  // what repeated attributes have cost beyond their text
 };
 #pragma GCC diagnostic pop

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <bscan/boundary_cell.h>
-#include <bscan/detail/name.h>
 #include <bscan/export.h>
 #include <bscan/object.h>
 #include <bscan/object_list.h>
 #include <bscan/signal.h>
+
+#include <optional>
+#include <string>
 
 namespace bscan::detail {
 class DeviceBuilder;
@@ -15,6 +17,13 @@ class PortIndex;
 }
 
 /// A port element: a scalar port, or one element of a bit_vector port.
+///
+/// The cells in its list serve it in four *roles*, which driving and observing go by:
+/// - the *input cell*: the first INPUT, BIDIR_IN or BIDIR cell;
+/// - the *output cell*: the first OUTPUT2, OUTPUT3, BIDIR_OUT or BIDIR cell;
+/// - the *control cell*: the control cell of the last such output cell, which need not be the
+/// first;
+/// - the *observe cell*: the first OBSERVE_ONLY cell.
 ///
 /// It holds the port's name and mode, the package pin that it is bonded to, the level that the
 /// host last asked for, and the boundary-scan cells that serve it. Nodes belong to the device pin
@@ -32,8 +41,8 @@ public:
     /// @return the port's name as declared, or in upper case once a lookup by port name has gone
     ///         past it; null when never set. The text belongs to the node and may be written up to
     ///         its length; it is valid until the name is set again. A host that only reads should
-    ///         prefer bscan::PortName(): once this pointer is out, every lookup by port name has
-    ///         to look at the name itself.
+    ///         prefer bscan::PortName(): once this pointer is out, lookups by port name walk over
+    ///         the device, since the name may change unseen. After SetPortName() they walk too.
     char* GetPortName() const;
 
     void SetPinName(char* name);
@@ -73,17 +82,24 @@ public:
     /// @return 0; -1 for a null or unsuitable cell; bscan::kOutOfMemory.
     int AssociateBScanCell(LBScanCell* cell);
 
-    /// Lets the port receive: turns its driver off and sets its input or observe cell to a level.
+    /// Lets the port receive.
+    ///
+    /// With an observe cell, that cell takes the level and nothing else changes: the driver of an
+    /// "inout" port stays as it is. Otherwise the input cell takes the level, and for an "inout"
+    /// port the control cell turns the driver off; an output cell of its own then takes what the
+    /// pin shows: 1 for PULL1 and WEAK1, else 0.
     ///
     /// @param level  SIG_1 for 1; every other level counts as 0.
-    /// @return 0; -1 when a cell that this needs is missing. The input cell keeps the level then.
+    /// @return 0; -1 without an observe and an input cell, and for an "inout" port without a
+    /// control
+    ///         or an output cell (the input cell keeps the level then).
     int SetInput(eSignal level);
 
-    /// Lets the port drive: turns its driver on and sets its output cell to a level.
+    /// Lets the port drive: the control cell turns the driver on, the output cell takes a level.
     ///
     /// @param level  SIG_1 for 1; every other level counts as 0.
-    /// @return 0; -1 when the output cell or its control cell is missing, or for an "inout" port
-    ///         the input cell (the other two keep their new values then).
+    /// @return 0; -1 without an output or a control cell, and for an "inout" port without an input
+    ///         cell (the other two keep their new values then).
     int SetOutput(eSignal level);
 
     /// Calls SetInput() for PORT_IN or SetOutput() for PORT_OUT where the mode allows it.
@@ -104,27 +120,21 @@ private:
     friend class bscan::detail::DeviceBuilder;
     friend class bscan::detail::PortIndex;
 
-    // What driving and observing look at is among the first.
-    PortType type_ = PORT_NONE;
-    eSignal value_ = SIG_X;
-    bool has_cells_ = false;  // a cell was associated once
-    bool positive_ = false;
-    bool negative_ = false;
-    mutable bool port_name_exposed_ = false;  // a writable pointer is out, or the host renamed it
-    mutable bool pin_name_exposed_ = false;
-    LObjList cells_;
-
-    bscan::detail::Name port_name_;
-    bscan::detail::Name pin_name_;
+    std::optional<std::string> port_name_;
+    std::optional<std::string> pin_name_;
     int vector_index_ = -1;
     int pin_number_ = -1;
-    int list_position_ = -1;
-    bscan::detail::PortIndex* index_ = nullptr;  // hears what lookups depend on
+    PortType type_ = PORT_NONE;
+    eSignal value_ = SIG_X;
+    bool positive_ = false;
+    bool negative_ = false;
+    std::optional<LObjList> cells_;              // from the first association on
+    bscan::detail::PortIndex* index_ = nullptr;  // of its device, told what lookups depend on
 };
 
 namespace bscan {
 
-/// Reads a port's name without handing out a writable pointer, so that lookups stay indexed.
+/// Reads a port's name without handing out a writable pointer, so that lookups need not walk.
 ///
 /// @return the text of LPinNode::GetPortName, to be read only; null when never set.
 BSCAN_EXPORT const char* PortName(const LPinNode& node);

@@ -9,12 +9,13 @@
 
 namespace bscan::detail {
 class MainPass;
+class ModelFiller;
 }
 
 /// One data register and the instructions that select it.
 ///
 /// Texts are copied; a null text changes nothing. A getter's text is valid until the record
-/// changes.
+/// changes. Copying a record may throw std::bad_alloc.
 class BSCAN_EXPORT CRegister {
 public:
     /// Makes a register without name and instructions.
@@ -34,14 +35,19 @@ public:
     /// @return the instruction's name; null when there is none.
     const char* GetRegisterAssocName(int index) const;
 
+    /// @return whether this name comes behind the other, letter case ignored, as CInstrOpcode
+    ///         orders its names.
+    bool operator<(const CRegister& other) const;
+
 private:
     friend class bscan::detail::MainPass;
+    friend class bscan::detail::ModelFiller;
 
     std::string name_;
     std::vector<std::string> instructions_;
 };
 
-/// The REGISTER_ACCESS attribute of a device.
+/// The REGISTER_ACCESS attribute of a device. Copying it may throw std::bad_alloc.
 class BSCAN_EXPORT CRegisterAccessDesc {
 public:
     /// Makes an empty table.
@@ -61,6 +67,7 @@ public:
 
 private:
     friend class bscan::detail::MainPass;
+    friend class bscan::detail::ModelFiller;
 
     std::vector<CRegister> registers_;
 };

@@ -34,7 +34,7 @@ public:
     ///
     /// A count of 0 or less gives an empty text, one beyond the source's length the whole source.
     /// The buffers may be the same or overlap. The destination needs room for the result and its
-    /// terminator.
+    /// terminator. A null buffer changes nothing.
     void Left(char* destination, const char* source, int count);
     /// Copies the last @p count characters of @p source and a terminator; limits as for Left().
     void Right(char* destination, const char* source, int count);
@@ -50,8 +50,8 @@ private:
 
 /// Copies text and a terminator.
 ///
-/// @param destination  has room for what is copied and a terminator.
-/// @param source  the text.
+/// @param destination  has room for what is copied and a terminator; null changes nothing.
+/// @param source  the text; null changes nothing.
 /// @param count  how many characters at the most; 0 or less for all.
 /// @param reserved  not used; pass 0.
 BSCAN_EXPORT void util_strncpy(char* destination, const char* source, int count, int reserved);
@@ -60,8 +60,8 @@ BSCAN_EXPORT void util_strncpy(char* destination, char* source, int count, int r
 
 /// Appends text to a zero-terminated destination.
 ///
-/// @param destination  has room for both texts and a terminator.
-/// @param source  the text.
+/// @param destination  has room for both texts and a terminator; null changes nothing.
+/// @param source  the text; null changes nothing.
 /// @param count  how many characters at the most; 0 or less for all.
 /// @param reserved  not used; pass 0.
 BSCAN_EXPORT void util_strncat(char* destination, const char* source, int count, int reserved);
