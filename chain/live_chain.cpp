@@ -1,0 +1,315 @@
+// Scans as commands of OpenOCD.
+
+#include <bscan/live_chain.h>
+
+#include "support/border.h"
+
+#include <algorithm>
+#include <chrono>
+#include <sstream>
+#include <thread>
+#include <utility>
+
+namespace bscan {
+namespace {
+
+ChainResult Refuse(ChainCode code, std::string reason) { return {code, std::move(reason)}; }
+
+std::vector<std::string> Words(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;) words.push_back(word);
+    return words;
+}
+
+std::string Number(int value) { return std::to_string(value); }
+
+template <typename Body>
+ChainResult Guard(Body&& body) {
+    return detail::Guarded(std::forward<Body>(body), ChainResult{ChainCode::kOutOfMemory, {}});
+}
+
+}  // namespace
+
+LiveChain::LiveChain(OpenOcd& link, Chain& chain) : link_(link), chain_(chain) {}
+
+LiveChain::~LiveChain() {
+    if (link_.IsConnected() && !tap_.empty()) Detach();
+}
+
+ChainResult LiveChain::Command(const std::string& tcl, std::string& answer) {
+    switch (link_.Run(tcl, answer)) {
+        case kOk:
+            return {};
+        case kOutOfMemory:
+            return Refuse(ChainCode::kOutOfMemory, "There is not enough memory.");
+        case kCommandFailed:
+            return Refuse(ChainCode::kLinkFailed,
+                          "OpenOCD refuses '" + tcl.substr(0, 60) + "': " + link_.Problem() + ".");
+        default:
+            return Refuse(ChainCode::kLinkFailed, link_.Problem() + ".");
+    }
+}
+
+ChainResult LiveChain::Attach() {
+    return Guard([&]() -> ChainResult {
+        if (chain_.DeviceCount() == 0) {
+            return Refuse(ChainCode::kEmpty, "The chain has no devices.");
+        }
+        ChainResult result = ChooseTap();
+        if (result.Ok()) result = CheckIdcodes();
+        return result;
+    });
+}
+
+// Disabled TAPs are not counted when OpenOCD works out the length of a scan, so the whole chain
+// can take the place of its parts.
+ChainResult LiveChain::ChooseTap() {
+    std::string answer;
+    ChainResult result = Command("jtag names", answer);
+    if (!result.Ok()) return result;
+    std::vector<std::string> names = Words(answer);
+    const auto whole = std::find(names.begin(), names.end(), kWholeChainTap);
+    if (whole == names.end()) {
+        if (names.size() != 1 || chain_.DeviceCount() != 1) {
+            return Refuse(ChainCode::kWrongChain,
+                          "OpenOCD knows " + Number(static_cast<int>(names.size())) +
+                              " TAPs and none of the name " + kWholeChainTap +
+                              ": start it with the configuration that 'bscan openocd' writes.");
+        }
+        tap_ = names.front();
+        return {};
+    }
+    names.erase(whole);
+    for (const std::string& name : names) take_over_ += "jtag tapdisable " + name + "; ";
+    take_over_ += std::string("jtag tapenable ") + kWholeChainTap;
+    // A TAP without these handlers cannot be switched.
+    names.emplace_back(kWholeChainTap);
+    std::string prepare;
+    for (const std::string& name : names) {
+        for (const char* const event : {" -event tap-enable {}; ", " -event tap-disable {}; "}) {
+            prepare += "jtag configure " + name + event;
+        }
+    }
+    tap_ = kWholeChainTap;
+    return Command(prepare + take_over_, answer);
+}
+
+ChainResult LiveChain::CheckIdcodes() {
+    std::string differing;
+    ChainResult result =
+        Play(PlanSteps(chain_, {}), nullptr, [&](const ScanOperation&, const FailedCheck& check) {
+            if (check.device < 0) return;
+            if (!differing.empty()) differing += ", ";
+            differing += chain_.Device(check.device).name;
+        });
+    if (!result.Ok() || differing.empty()) return result;
+    return Refuse(ChainCode::kWrongChain,
+                  "The IDCODE that the board gives is not that of " + differing + ".");
+}
+
+ChainResult LiveChain::ScanInstruction(const ScanBits& out) {
+    if (out.Size() > kMaxInstructionBits) {
+        return Refuse(ChainCode::kWrongChain,
+                      "The instruction registers of the chain have " + Number(out.Size()) +
+                          " bits together; OpenOCD takes " + Number(kMaxInstructionBits) +
+                          " at a time. An SVF file has no such limit.");
+    }
+    std::string answer;
+    return Command("irscan " + tap_ + " 0x" + out.Hex(), answer);
+}
+
+ChainResult LiveChain::ScanData(const ScanBits& out, ScanBits* captured) {
+    std::string answer;
+    ChainResult result =
+        Command("drscan " + tap_ + " " + Number(out.Size()) + " 0x" + out.Hex(), answer);
+    if (!result.Ok() || captured == nullptr) return result;
+    const std::optional<ScanBits> bits = ScanBits::FromHex(answer, out.Size());
+    if (!bits) {
+        return Refuse(ChainCode::kLinkFailed,
+                      "OpenOCD answers '" + answer.substr(0, 60) + "', which is no scan.");
+    }
+    *captured = *bits;
+    return {};
+}
+
+// Selects an instruction in every device that has it, or another in its place.
+ChainResult LiveChain::SelectAndScan(const char* instruction, const char* instead) {
+    std::vector<InstructionChoice> choices;
+    for (int device = 0; device < chain_.DeviceCount(); ++device) {
+        if (!chain_.Device(device).HasModel()) continue;
+        if (chain_.CanSelect(device, instruction).Ok()) {
+            choices.push_back({device, instruction});
+        } else if (instead != nullptr && chain_.CanSelect(device, instead).Ok()) {
+            choices.push_back({device, instead});
+        }
+    }
+    ChainResult result = chain_.Select(choices);
+    return result.Ok() ? ScanInstruction(chain_.InstructionBits()) : result;
+}
+
+ChainResult LiveChain::Enter(bool extest) {
+    if (!extest) return SelectAndScan("SAMPLE", "PRELOAD");
+    ChainResult result = SelectAndScan("PRELOAD", "SAMPLE");
+    if (result.Ok()) result = ScanData(chain_.DataBits(), nullptr);
+    if (result.Ok()) result = SelectAndScan("EXTEST", nullptr);
+    return result;
+}
+
+ChainResult LiveChain::Capture(ScanBits& captured) {
+    return Guard([&]() -> ChainResult {
+        ChainResult result = driving_ ? ChainResult() : Enter(false);
+        if (result.Ok()) result = ScanData(chain_.DataBits(), &captured);
+        if (!result.Ok()) Release();
+        return result;
+    });
+}
+
+ChainResult LiveChain::Read(const std::vector<ChainPin>& pins, std::vector<PinState>& states) {
+    return Guard([&]() -> ChainResult {
+        ScanBits captured;
+        ChainResult result = Capture(captured);
+        if (!result.Ok()) return result;
+        states.clear();
+        for (const ChainPin pin : pins) states.push_back(StateOf(chain_, pin, captured));
+        return result;
+    });
+}
+
+ChainResult LiveChain::Drive(const std::vector<PinLevel>& levels) {
+    return Guard([&]() -> ChainResult {
+        for (const PinLevel& wanted : levels) {
+            PinDriver* const driver = chain_.Driver(wanted.pin.device);
+            if (driver == nullptr) return Refuse(ChainCode::kNoModel, "A pin is of no device.");
+            ChainResult extest = chain_.CanSelect(wanted.pin.device, "EXTEST");
+            if (!extest.Ok()) return extest;
+            const DriveCode code = driver->Request(wanted.pin.element, wanted.level);
+            if (!IsDone(code)) {
+                return Refuse(ChainCode::kBadStep, chain_.Label(wanted.pin) + ": " +
+                                                       driver->Explain(wanted.pin.element, code) +
+                                                       ".");
+            }
+        }
+        ChainResult result = driving_ ? ChainResult() : Enter(true);
+        if (result.Ok()) result = ScanData(chain_.DataBits(), nullptr);
+        driving_ = result.Ok();
+        if (!result.Ok()) Release();
+        return result;
+    });
+}
+
+ChainResult LiveChain::Play(const ScanProgram& program, const OnOperation& before,
+                            const OnFailure& failed) {
+    return Guard([&]() -> ChainResult {
+        if (!program.result.Ok()) return program.result;
+        for (const ScanOperation& operation : program.operations) {
+            if (before && !before(operation)) return Release();
+            ChainResult result = PlayOne(operation, failed);
+            if (result.Ok()) continue;
+            Release();
+            return result;
+        }
+        return {};
+    });
+}
+
+ChainResult LiveChain::PlayOne(const ScanOperation& operation, const OnFailure& failed) {
+    switch (operation.kind) {
+        case OperationKind::kComment:
+            return {};
+        case OperationKind::kReset:
+            return Release();
+        case OperationKind::kInstructionScan:
+            return ScanInstruction(operation.out);
+        case OperationKind::kWait:
+            return PlayWait(operation.wait);
+        case OperationKind::kDataScan:
+            break;
+    }
+    ScanBits captured;
+    ChainResult result = ScanData(operation.out, &captured);
+    if (!result.Ok() || operation.mask.Empty() || !failed) return result;
+    for (const FailedCheck& check : Compare(operation, captured)) failed(operation, check);
+    return result;
+}
+
+ChainResult LiveChain::PlayWait(const Wait& wait) {
+    std::string answer;
+    switch (wait.unit) {
+        case WaitUnit::kTck:
+            return Command("runtest " + Number(wait.count), answer);
+        case WaitUnit::kMicroseconds:
+            std::this_thread::sleep_for(std::chrono::microseconds(wait.count));
+            break;
+        case WaitUnit::kMilliseconds:
+            std::this_thread::sleep_for(std::chrono::milliseconds(wait.count));
+            break;
+    }
+    return {};
+}
+
+// BYPASS gives the pins back before the reset does; no boundary register is shifted on the way.
+// OpenOCD enables its own TAPs again at a reset.
+ChainResult LiveChain::Reset() {
+    driving_ = false;
+    ChainResult result = chain_.Select({});
+    if (result.Ok()) result = ScanInstruction(chain_.InstructionBits());
+    std::string answer;
+    if (result.Ok()) result = Command("adapter assert trst; adapter deassert trst", answer);
+    return result;
+}
+
+ChainResult LiveChain::Release() {
+    return Guard([&]() -> ChainResult {
+        if (tap_.empty()) return {};
+        ChainResult result = Reset();
+        std::string answer;
+        return result.Ok() && !take_over_.empty() ? Command(take_over_, answer) : result;
+    });
+}
+
+ChainResult LiveChain::Detach() {
+    return Guard([&]() -> ChainResult {
+        if (tap_.empty()) return {};
+        ChainResult result = Reset();
+        tap_.clear();
+        take_over_.clear();
+        return result;
+    });
+}
+
+PinState StateOf(const Chain& chain, ChainPin pin, const ScanBits& captured) {
+    PinState state{pin, PORT_NONE, chain.Seen(pin, captured)};
+    const PinDriver* const driver = chain.Driver(pin.device);
+    const LPinNode* const node = driver == nullptr ? nullptr : driver->Node(pin.element);
+    if (node == nullptr) return state;
+    const auto captured_in = [&](const LBScanCell* cell) -> eSignal {
+        const int bit =
+            cell == nullptr ? -1 : chain.BitOf(pin.device, cell->GetBoundaryCellPosition());
+        if (bit < 0) return SIG_X;
+        return captured.Get(bit) ? SIG_1 : SIG_0;
+    };
+    const PinCells cells = driver->Cells(pin.element);
+    const eSignal output = captured_in(cells.output);
+    const eSignal control = captured_in(cells.control);
+    const bool off = cells.output != nullptr && cells.control != nullptr &&
+                     control == cells.output->disableValue;
+    switch (node->GetPortType()) {
+        case PORT_IN:
+            state.direction = PORT_IN;
+            break;
+        case PORT_INOUT:
+            if (output != SIG_X) state.direction = off ? PORT_IN : PORT_OUT;
+            break;
+        case PORT_OUT:
+        case PORT_BUFFER:
+            state.direction = PORT_OUT;
+            break;
+        default:
+            break;
+    }
+    if (state.level == SIG_X && output != SIG_X) state.level = off ? SIG_Z : output;
+    return state;
+}
+
+}  // namespace bscan
