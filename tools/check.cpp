@@ -1,9 +1,10 @@
-// bscan check: which files can be read, and why the others cannot.
+// bscan check: what is wrong with files.
+
+#include <bscan/result.h>
 
 #include "commands.h"
-#include "device_tables.h"
-#include "failure.h"
 #include "file_list.h"
+#include "finding_text.h"
 #include "printable.h"
 #include "process_pool.h"
 #include "progress.h"
@@ -17,42 +18,46 @@
 namespace tool {
 namespace {
 
-// The outcome of one file; a code of null means that the reading process itself ended.
-Json Record(const std::string& file, const Json& code, const std::string& reason) {
-    return {{"file", file},     {"code", code},        {"line", Json()},
-            {"reason", reason}, {"statement", Json()}, {"statement_line", Json()},
-            {"advice", Json()}, {"component", Json()}, {"ports", Json()},
-            {"cells", Json()}};
-}
-
 Json CheckFile(const std::string& file) {
-    Device device(file);
-    const int code = device.Read(nullptr);
-    Json record = Record(file, code, bscan::Describe(code));
-    record["component"] = TextOrNull(device.ComponentName());
-    record["ports"] = PortCount(device);
-    record["cells"] = device.map().GetBScanLength();
-    if (code == bscan::kOk) return record;
-    const Failure failure = Diagnose(device, code);
-    record["reason"] = failure.reason;
-    if (failure.line > 0) record["line"] = failure.line;
-    if (failure.statement_line > 0) record["statement_line"] = failure.statement_line;
-    record["statement"] = TextOrNull(failure.statement);
-    record["advice"] = TextOrNull(failure.advice);
-    return record;
+    return FindingsOf(file, bscan::Description::Read(file.c_str()));
 }
 
-std::string Headline(const Json& record, const Style& style) {
-    const std::string file = Printable(record["file"].get<std::string>());
-    const std::string reason = record["reason"].get<std::string>();
-    if (record["code"] == bscan::kOk) {
-        return fmt::format("{}: {}", file, style(Emphasis::kGood, "ok"));
-    }
-    const std::string line = record["line"].is_null() ? "" : ":" + record["line"].dump();
-    const std::string code = record["code"].is_null() ? "no code" : record["code"].dump();
-    return fmt::format("{}{}: {}", file, line,
-                       style(Emphasis::kBad, fmt::format("{} ({})", reason, code)));
+// A file whose reading process ended early has no result.
+Json Unread(const std::string& file) {
+    return {{"file", file}, {"result", Json()}, {"component", Json()}, {"findings", Json::array()}};
 }
+
+// The result in words when no finding tells of it.
+std::string ResultText(const Json& record, const Style& style) {
+    const Json& result = record["result"];
+    if (result == bscan::kOk || !record["findings"].empty()) return {};
+    const std::string reason = result.is_null() ? "the process that read the file ended early"
+                                                : bscan::Describe(result.get<int>());
+    return fmt::format("{}: {}: {}\n", Printable(record["file"].get<std::string>()),
+                       style(Emphasis::kBad, "error"), reason);
+}
+
+// What the summary counts.
+struct Counts {
+    std::size_t files = 0;
+    std::size_t bad_files = 0;
+    std::map<std::string, std::size_t> findings;  // by severity
+
+    void Add(const Json& record) {
+        bool bad = record["result"] != bscan::kOk;
+        for (const Json& finding : record["findings"]) {
+            ++findings[finding["severity"]];
+            bad = bad || finding["severity"] == "error";
+        }
+        ++files;
+        if (bad) ++bad_files;
+    }
+    std::string Text() {
+        return fmt::format(
+            "{} files: {} without errors, {} with; {} errors, {} warnings, {} notes\n", files,
+            files - bad_files, bad_files, findings["error"], findings["warning"], findings["note"]);
+    }
+};
 
 // Prints the records in the order of the files, each as soon as those before it are there.
 class Printer {
@@ -61,9 +66,7 @@ public:
         : files_(std::move(files)), format_(format), style_(stdout), progress_(files_.size()) {}
 
     void Add(std::size_t index, std::optional<std::string> bytes) {
-        waiting_[index] =
-            bytes ? Json::from_cbor(*bytes)
-                  : Record(files_[index], Json(), "the process that read the file ended early");
+        waiting_[index] = bytes ? Json::from_cbor(*bytes) : Unread(files_[index]);
         for (auto first = waiting_.begin(); first != waiting_.end() && first->first == printed_;
              first = waiting_.erase(first)) {
             Print(first->second);
@@ -74,39 +77,48 @@ public:
 
     int Finish() {
         progress_.Clear();
-        if (format_ == Format::kTable) Write(stdout, Summary());
-        return counts_.size() == counts_.count("0") ? kSuccess : kProblem;
+        if (format_ == Format::kTable) Write(stdout, counts_.Text());
+        return counts_.bad_files == 0 ? kSuccess : kProblem;
     }
 
 private:
     void Print(const Json& record) {
-        ++counts_[record["code"].is_null() ? "no code" : record["code"].dump()];
+        counts_.Add(record);
         progress_.Clear();
-        if (format_ == Format::kJson) return tool::Print(stdout, record, -1);
+        if (format_ == Format::kJson) return PrintJson(record);
         if (format_ == Format::kCsv) return PrintCsv(record);
-        Write(stdout, Headline(record, style_) + '\n');
+        const std::string file = record["file"];
+        std::string text = ResultText(record, style_);
+        for (const Json& finding : record["findings"]) text += FindingText(file, finding, style_);
+        if (text.empty()) text = Printable(file) + ": " + style_(Emphasis::kGood, "ok") + '\n';
+        Write(stdout, text);
     }
 
-    void PrintCsv(const Json& record) {
-        Table table;
-        table.rows.emplace_back();
-        for (const auto& [key, value] : record.items()) {
-            table.columns.push_back({key, key});
-            table.rows[0].push_back(value);
+    static void PrintJson(Json record) {
+        for (Json& finding : record["findings"]) {
+            finding.erase("source");
+            finding.erase("length");
         }
-        PrintCsvRows(stdout, table, printed_ == 0 ? Headings::kWith : Headings::kWithout);
+        tool::Print(stdout, record, -1);
     }
 
-    std::string Summary() const {
-        const std::size_t sound = counts_.count("0") == 0 ? 0 : counts_.at("0");
-        std::string failing;
-        for (const auto& [code, count] : counts_) {
-            if (code != "0") {
-                failing += fmt::format("{}{} with {}", failing.empty() ? "" : ", ", count, code);
+    // A row for each finding; a file without findings has one too.
+    void PrintCsv(const Json& record) const {
+        Table table;
+        for (const char* column : {"file", "result", "component", "line", "column", "severity",
+                                   "rule", "message", "remedy"}) {
+            table.columns.push_back({column, column});
+        }
+        const std::vector<Json> front = {record["file"], record["result"], record["component"]};
+        for (const Json& finding : record["findings"]) {
+            table.rows.push_back(front);
+            for (const char* key : {"line", "column", "severity", "rule", "message", "remedy"}) {
+                table.rows.back().push_back(finding[key]);
             }
         }
-        return fmt::format("{} files: {} sound, {} failing{}\n", printed_, sound, printed_ - sound,
-                           failing.empty() ? "" : " (" + failing + ")");
+        if (table.rows.empty()) table.rows.push_back(front);
+        table.rows.back().resize(table.columns.size());
+        PrintCsvRows(stdout, table, printed_ == 0 ? Headings::kWith : Headings::kWithout);
     }
 
     std::vector<std::string> files_;
@@ -115,7 +127,7 @@ private:
     Progress progress_;
     std::map<std::size_t, Json> waiting_;
     std::size_t printed_ = 0;
-    std::map<std::string, std::size_t> counts_;  // by code
+    Counts counts_;
 };
 
 int Jobs(int asked) {
@@ -127,7 +139,7 @@ int Jobs(int asked) {
 int Check(const CheckOptions& options) {
     const std::vector<std::string> files = FindFiles(options.files);
     if (files.empty()) {
-        Write(stderr, "bscan check: no BSDL file (.bsd, .bsdl, .bsm) found\n");
+        Write(stderr, "bscan check: no BSDL file (.bsd, .bsdl) found\n");
         return kProblem;
     }
     Printer printer(files, options.format);

@@ -1,8 +1,10 @@
 // The commands of the program, each with its options. Each returns the exit status.
 #pragma once
 
+#include "chain_file.h"
 #include "output.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -57,5 +59,61 @@ struct DrawOptions {
     std::string output;
 };
 int Draw(const DrawOptions& options);
+
+/// Steps from a file, and behind them those of the command line.
+struct StepOptions {
+    std::string file;
+    std::vector<std::string> steps;  ///< one each
+};
+
+enum class LiveAction { kRead, kDrive, kRun, kWatch, kIdentify };
+
+struct LiveOptions {
+    ChainOptions chain;
+    std::string openocd;  ///< HOST:PORT
+    std::string adapter;  ///< a configuration with which to start OpenOCD
+    LiveAction action = LiveAction::kRead;
+    std::vector<std::string> pins;  ///< or requests
+    double hold = 1;                ///< seconds
+    std::string steps;
+    int every = 200;  ///< milliseconds
+    long long count = 0;
+    std::string vcd;
+    std::string library;
+    Format format = Format::kTable;
+};
+int Live(const LiveOptions& options);
+
+struct SimulateOptions {
+    ChainOptions chain;
+    std::vector<std::string> nets;
+    std::vector<std::string> levels;
+    std::vector<std::string> pulls;
+    std::vector<std::string> opens;
+    std::vector<std::string> stuck;
+    std::vector<std::string> shorts;
+    std::string log;
+    std::string adapter_file;
+    std::uint16_t port = 0;
+    int floating = 0;
+    bool once = false;
+};
+int Simulate(const SimulateOptions& options);
+
+struct SvfOptions {
+    ChainOptions chain;
+    StepOptions steps;
+    std::vector<std::string> samples;
+    std::string output;
+    double frequency = 0;
+    bool no_idcode = false;
+};
+int Svf(const SvfOptions& options);
+
+struct OpenOcdOptions {
+    ChainOptions chain;
+    std::string output;
+};
+int OpenOcd(const OpenOcdOptions& options);
 
 }  // namespace tool

@@ -4,13 +4,13 @@
 #include "device_tables.h"
 #include "failure.h"
 #include "pin_selector.h"
-#include "port_driver.h"
 #include "printable.h"
 #include "scan_text.h"
 #include "terminal.h"
 #include "words.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace tool {
 namespace {
@@ -49,40 +49,46 @@ struct Outcome {
     bool all_done = true;
 };
 
-void Serve(const Device& device, const Request& request, PortDriver& driver, Outcome& outcome) {
+void Serve(const Device& device, const Request& request, bscan::PinDriver& driver,
+           Outcome& outcome) {
     const std::vector<const Element*> elements = Select(device, request.pin);
     for (const Element* element : elements) {
-        const DriveResult result = driver.Request(*element, request.level);
-        outcome.table.rows.push_back(
-            {request.text, element->Label(), TextOrNull(element->pin), result.done, result.text});
-        outcome.all_done = outcome.all_done && result.done;
+        const int position = driver.Find(element->node);
+        const bscan::DriveCode code = driver.Request(position, request.level);
+        const bool done = bscan::IsDone(code);
+        outcome.table.rows.push_back({request.text, element->Label(), TextOrNull(element->pin),
+                                      done, driver.Explain(position, code)});
+        outcome.all_done = outcome.all_done && done;
     }
     if (!elements.empty()) return;
     outcome.table.rows.push_back({request.text, Json(), Json(), false, "no such pin or port"});
     outcome.all_done = false;
 }
 
-Json Labels(const std::vector<const Element*>& elements) {
-    Json labels = Json::array();
-    for (const Element* element : elements) labels.push_back(element->Label());
+std::vector<std::string> Labels(const Device& device, const bscan::PinDriver& driver,
+                                const std::vector<int>& positions) {
+    std::vector<std::string> labels;
+    for (const int position : positions) {
+        if (const Element* element = device.Find(driver.Node(position))) {
+            labels.push_back(element->Label());
+        }
+    }
     return labels;
 }
 
-void PrintNote(const char* note, const std::vector<const Element*>& elements) {
-    if (elements.empty()) return;
-    std::string names;
-    for (const Element* element : elements) {
-        names += (names.empty() ? "" : ", ") + Printable(element->Label());
-    }
-    Write(stdout, fmt::format("{}: {}\n", note, names));
+void PrintNote(const char* note, const std::vector<std::string>& labels) {
+    if (labels.empty()) return;
+    Write(stdout,
+          fmt::format("{}: {}\n", note, Printable(fmt::format("{}", fmt::join(labels, ", ")))));
 }
 
-void PrintForPeople(const Device& device, const PortDriver& driver, const Outcome& outcome) {
+void PrintForPeople(const Device& device, const bscan::PinDriver& driver, const Outcome& outcome) {
     Print(stdout, outcome.table, Format::kTable);
     Write(stdout, "\n");
-    PrintNote("Also driven, through a shared control cell", driver.AlsoDriven());
+    PrintNote("Also driven, through a shared control cell",
+              Labels(device, driver, driver.AlsoDriven()));
     PrintNote("No longer driven, since a later request turned off a shared control cell",
-              driver.NoLongerDriven());
+              Labels(device, driver, driver.NoLongerDriven()));
     Write(stdout, fmt::format("Scan vector of {} bits. Cell 0, next to TDO, goes in first; it is "
                               "the leftmost bit, the 0x80 of the first byte.\n",
                               device.map().GetBScanLength()));
@@ -95,11 +101,11 @@ void PrintCsv(const Device& device, const Outcome& outcome) {
     Print(stdout, VectorTable(device.map()), Format::kCsv);
 }
 
-Json ToJson(const Device& device, const PortDriver& driver, const Outcome& outcome) {
+Json ToJson(const Device& device, const bscan::PinDriver& driver, const Outcome& outcome) {
     return {{"file", device.path()},
             {"requests", ToJson(outcome.table)},
-            {"also_driven", Labels(driver.AlsoDriven())},
-            {"no_longer_driven", Labels(driver.NoLongerDriven())},
+            {"also_driven", Labels(device, driver, driver.AlsoDriven())},
+            {"no_longer_driven", Labels(device, driver, driver.NoLongerDriven())},
             {"length", device.map().GetBScanLength()},
             {"bits", BitText(device.map())},
             {"bytes", ByteTexts(device.map())}};
@@ -112,7 +118,7 @@ int Drive(const DriveOptions& options) {
     if (requests.empty()) return kUsage;
     Device device(options.file);
     if (!ReadOrReport(device, nullptr)) return kProblem;
-    PortDriver driver(device);
+    bscan::PinDriver driver(device.map());
     Outcome outcome;
     for (const Request& request : requests) Serve(device, request, driver, outcome);
     if (options.format == Format::kJson) {

@@ -1,6 +1,5 @@
 #include "failure.h"
 
-#include "advice.h"
 #include "output.h"
 #include "printable.h"
 #include "source_file.h"
@@ -52,7 +51,6 @@ Failure Diagnose(const Device& device, int code) {
     failure.line = source.LineOfRead(device.parser().GetLineNumber());
     FindStatement(source, failure);
     failure.reason = Reason(failure);
-    failure.advice = Advice(device, source, failure);
     return failure;
 }
 
@@ -63,7 +61,8 @@ void Report(const Failure& failure) {
         text += fmt::format("  in the statement that begins at line {}: {}\n",
                             failure.statement_line, Printable(failure.statement));
     }
-    if (!failure.advice.empty()) text += fmt::format("  {}\n", Printable(failure.advice));
+    text += fmt::format("  'bscan check {}' tells what is wrong with the file\n",
+                        Printable(failure.path));
     Write(stderr, text);
 }
 

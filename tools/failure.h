@@ -1,4 +1,4 @@
-// What went wrong with a file, in words that help to mend it.
+// What went wrong with a file.
 #pragma once
 
 #include "device.h"
@@ -15,7 +15,6 @@ struct Failure {
     std::string reason;      ///< what the code means
     std::string statement;   ///< the statement that failed, such as BOUNDARY_REGISTER; may be empty
     int statement_line = 0;  ///< where that statement begins
-    std::string advice;      ///< what to change in the file; may be empty
 
     /// FILE:LINE: what the code means (code)
     std::string Headline() const;
@@ -24,7 +23,7 @@ struct Failure {
 /// Looks into a device whose reading failed with @p code.
 Failure Diagnose(const Device& device, int code);
 
-/// Prints a failure on standard error: the headline, the statement and the advice.
+/// Prints a failure on standard error: the headline, the statement, and where to learn more.
 void Report(const Failure& failure);
 
 /// Reads a device; reports a failure.

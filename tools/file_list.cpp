@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 
 bool IsBsdlName(const fs::path& path) {
     const std::string extension = path.extension().string();
-    const char* known[] = {".bsd", ".bsdl", ".bsm"};
+    const char* known[] = {".bsd", ".bsdl"};
     return std::any_of(std::begin(known), std::end(known),
                        [&](const char* name) { return strcasecmp(name, extension.c_str()) == 0; });
 }

@@ -6,8 +6,8 @@
 
 namespace tool {
 
-/// Files as they are given, and for a folder the files in and below it that end in .bsd, .bsdl or
-/// .bsm, sorted by path. Links to folders are not followed.
+/// Files as they are given, and for a folder the files in and below it that end in .bsd or
+/// .bsdl, in any case of letters, sorted by path. Links to folders are not followed.
 std::vector<std::string> FindFiles(const std::vector<std::string>& paths);
 
 }  // namespace tool

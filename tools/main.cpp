@@ -1,5 +1,7 @@
 // The command line of bscan.
 
+#include <bscan/version.h>
+
 #include "commands.h"
 #include "printable.h"
 
@@ -19,6 +21,10 @@ struct Options {
     CheckOptions check;
     DiffOptions diff;
     DrawOptions draw;
+    LiveOptions live;
+    SimulateOptions simulate;
+    SvfOptions svf;
+    OpenOcdOptions openocd;
 };
 
 using Command = std::function<int()>;
@@ -119,13 +125,165 @@ void AddDraw(CLI::App& app, DrawOptions& options) {
     AddFile(command, "OUT.svg", options.output, "The drawing to write; - for standard output");
 }
 
+void AddChain(CLI::App* command, ChainOptions& options) {
+    command
+        ->add_option("DEVICE", options.devices,
+                     "[NAME=]FILE or [NAME=]ir:LENGTH each, from TDI to TDO")
+        ->type_name("");
+    command->add_option("--chain", options.file, "A TOML file with the devices of the chain")
+        ->type_name("PATH");
+}
+
+void AddSteps(CLI::App* command, StepOptions& options) {
+    command->add_option("--do", options.steps, "A step; may be repeated")
+        ->type_name("STEP")
+        ->expected(1)
+        ->take_all();
+    command->add_option("--steps", options.file, "A file of steps; - for standard input")
+        ->type_name("PATH");
+}
+
+void AddSvf(CLI::App& app, SvfOptions& options) {
+    CLI::App* command =
+        AddCommand(app, "svf", "Write steps on the pins of a chain as SVF",
+                   "bscan svf U1=a.bsd U2=b.bsd --do 'drive U1.D0=1' --do 'expect U2.B3=1'\n"
+                   "\n"
+                   "Steps: drive PIN=LEVEL..., expect PIN=LEVEL..., sample PIN=LEVEL...,\n"
+                   "wait N tck|us|ms, reset, note TEXT. A pin is DEVICE.PIN, or PIN where one\n"
+                   "device has a file.");
+    AddChain(command, options.chain);
+    AddSteps(command, options.steps);
+    command->add_option("-o,--output", options.output, "The file to write (standard output)")
+        ->type_name("PATH");
+    command->add_option("--frequency", options.frequency, "Of TCK, in hertz (1000000)")
+        ->check(CLI::PositiveNumber.description(""))
+        ->type_name("HZ");
+    command
+        ->add_option("--from-sample", options.samples,
+                     "[NAME=]BITS or [NAME=]PATH: outputs keep these sampled levels")
+        ->type_name("CAPTURE")
+        ->expected(1)
+        ->take_all();
+    command->add_flag("--no-idcode", options.no_idcode, "Do not compare IDCODEs");
+}
+
+void AddOpenOcd(CLI::App& app, OpenOcdOptions& options) {
+    CLI::App* command = AddCommand(app, "openocd", "Write OpenOCD's configuration for a chain",
+                                   "bscan openocd U1=a.bsd U2=b.bsd -o chain.cfg\n"
+                                   "  openocd -f interface/ADAPTER.cfg -f chain.cfg");
+    AddChain(command, options.chain);
+    command->add_option("-o,--output", options.output, "The file to write (standard output)")
+        ->type_name("PATH");
+}
+
+void AddLive(CLI::App& app, LiveOptions& options) {
+    CLI::App* command =
+        AddCommand(app, "live", "Read and drive pins through a running OpenOCD",
+                   "bscan live U1=a.bsd U2=b.bsd drive U1.D0=1 --hold 5\n"
+                   "  bscan live --adapter interface.cfg a.bsd watch READY --vcd ready.vcd");
+    AddChain(command, options.chain);
+    CLI::Option* port =
+        command->add_option("--openocd", options.openocd, "Its Tcl port (127.0.0.1:6666)");
+    port->type_name("HOST:PORT");
+    command
+        ->add_option("--adapter", options.adapter,
+                     "Start OpenOCD with this configuration of an adapter, and end it")
+        ->type_name("PATH")
+        ->excludes(port);
+    command->require_subcommand(1);
+    const auto add = [&](const char* name, const char* purpose, LiveAction action) {
+        CLI::App* part = command->add_subcommand(name, purpose);
+        part->callback([&options, action] { options.action = action; });
+        return part;
+    };
+    CLI::App* read = add("read", "Print levels and directions under SAMPLE", LiveAction::kRead);
+    read->add_option("PIN", options.pins, "Pins; all without one")->type_name("");
+    AddFormat(read, options.format);
+    CLI::App* drive = add("drive", "Drive pins, hold them, and give them back", LiveAction::kDrive);
+    drive->add_option("PIN=LEVEL", options.pins, "A pin, and 0, 1, or Z to release it")
+        ->required()
+        ->type_name("");
+    drive->add_option("--hold", options.hold, "How long (1)")
+        ->check(CLI::NonNegativeNumber.description(""))
+        ->type_name("SECONDS");
+    CLI::App* run = add("run", "Play steps and tell what is not as expected", LiveAction::kRun);
+    run->add_option("STEPS", options.steps, "A file of steps; - for standard input")
+        ->required()
+        ->type_name("");
+    CLI::App* watch = add("watch", "Follow levels under SAMPLE", LiveAction::kWatch);
+    watch->add_option("PIN", options.pins, "Pins; all without one")->type_name("");
+    watch->add_option("--every", options.every, "Time between two looks (200)")
+        ->check(CLI::NonNegativeNumber.description(""))
+        ->type_name("MS");
+    watch->add_option("--count", options.count, "How many looks (until interrupted)")
+        ->check(CLI::PositiveNumber.description(""))
+        ->type_name("N");
+    watch->add_option("--vcd", options.vcd, "Write a value change dump, too")->type_name("PATH");
+    CLI::App* identify = add("identify", "Tell which files describe the devices of the chain",
+                             LiveAction::kIdentify);
+    identify->add_option("--library", options.library, "A folder of BSDL files")
+        ->required()
+        ->type_name("FOLDER");
+    AddFormat(identify, options.format);
+}
+
+void AddSimulate(CLI::App& app, SimulateOptions& options) {
+    CLI::App* command = AddCommand(
+        app, "simulate", "Serve a simulated chain to OpenOCD, to try things without hardware",
+        "bscan simulate U1=a.bsd U2=b.bsd --net DATA=U1.D0,U2.B3 --pull DATA=1 --log pins.log");
+    AddChain(command, options.chain);
+    command->add_option("--net", options.nets, "Pins that one net joins")
+        ->allow_extra_args(false)
+        ->type_name("NET=PIN,PIN");
+    command->add_option("--level", options.levels, "A pin or net that is held from outside")
+        ->allow_extra_args(false)
+        ->type_name("PIN=LEVEL");
+    command->add_option("--pull", options.pulls, "A pin or net with a resistor to a supply")
+        ->allow_extra_args(false)
+        ->type_name("PIN=LEVEL");
+    command->add_option("--float", options.floating, "What a pin reads that nothing drives (0)")
+        ->check(CLI::Range(0, 1).description(""))
+        ->type_name("LEVEL");
+    command->add_option("--open", options.opens, "A pin that has lost its net")
+        ->allow_extra_args(false)
+        ->type_name("PIN");
+    command->add_option("--stuck", options.stuck, "A net that is stuck")
+        ->allow_extra_args(false)
+        ->type_name("NET=LEVEL");
+    command
+        ->add_option("--short", options.shorts, "Two nets that touch; :and (0 wins), :or, :first")
+        ->allow_extra_args(false)
+        ->type_name("NET,NET");
+    command->add_option("--log", options.log, "A file for every change at a pin")
+        ->type_name("PATH");
+    command
+        ->add_option("--adapter-file", options.adapter_file,
+                     "A file for the adapter part of OpenOCD's configuration")
+        ->type_name("PATH");
+    command->add_option("--port", options.port, "The port to listen on (any free one)")
+        ->type_name("N");
+    command->add_flag("--once", options.once, "End when the first player leaves");
+}
+
+std::string CommandNames(const CLI::App& app) {
+    std::string names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    return names;
+}
+
 std::string FailureMessage(const CLI::App* app, const CLI::Error& error) {
     const bool without_command =
         app->get_subcommands().empty() &&
         error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
-    return fmt::format("bscan: {}\nRun with --help for more information.\n",
-                       without_command ? "name a command: show, drive, observe, check, diff or draw"
-                                       : Printable(error.what()));
+    const std::vector<std::string> unknown = app->remaining();
+    std::string message = Printable(error.what());
+    if (without_command) {
+        message = unknown.empty() ? "" : Printable(unknown.front()) + " is no command; ";
+        message += "name a command: " + CommandNames(*app);
+    }
+    return fmt::format("bscan: {}\nRun with --help for more information.\n", message);
 }
 
 void Describe(CLI::App& app) {
@@ -133,9 +291,10 @@ void Describe(CLI::App& app) {
     app.failure_message(FailureMessage);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.get_formatter()->label("REQUIRED", "");
-    app.set_version_flag("--version", "bscan " BSCAN_VERSION);
+    app.set_version_flag("--version", std::string("bscan ") + bscan::Version());
     app.footer(
-        "Exit status: 0 when all is well, 1 when a file cannot be read or a request fails, 2 for\n"
+        "Exit status: 0 when all is well, 1 when a file cannot be read or a request fails, 2 "
+        "for\n"
         "wrong usage. diff: 0 for no difference, 1 for some, 2 for trouble.\n"
         "Colours appear on a terminal only, and not when NO_COLOR is set.\n"
         "\n"
@@ -151,7 +310,11 @@ int Dispatch(const CLI::App& app, const Options& options) {
         {"observe", [&] { return Observe(options.observe); }},
         {"check", [&] { return Check(options.check); }},
         {"diff", [&] { return Diff(options.diff); }},
-        {"draw", [&] { return Draw(options.draw); }}};
+        {"draw", [&] { return Draw(options.draw); }},
+        {"live", [&] { return Live(options.live); }},
+        {"simulate", [&] { return Simulate(options.simulate); }},
+        {"svf", [&] { return Svf(options.svf); }},
+        {"openocd", [&] { return OpenOcd(options.openocd); }}};
     return commands.at(app.get_subcommands().front()->get_name())();
 }
 
@@ -165,6 +328,10 @@ int Run(int argc, const char* const* argv) {
     AddCheck(app, options.check);
     AddDiff(app, options.diff);
     AddDraw(app, options.draw);
+    AddLive(app, options.live);
+    AddSimulate(app, options.simulate);
+    AddSvf(app, options.svf);
+    AddOpenOcd(app, options.openocd);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

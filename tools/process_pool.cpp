@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -29,6 +31,12 @@ bool WriteAll(int descriptor, const std::string& text) {
     return true;
 }
 
+// Lets this process end when its parent does, whatever ended it.
+void EndWith(pid_t parent) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(1);  // it has ended already
+}
+
 [[noreturn]] void WorkInChild(int descriptor, std::size_t index,
                               const std::function<std::string(std::size_t)>& work) {
     bool sound = false;
@@ -44,9 +52,11 @@ bool WriteAll(int descriptor, const std::string& text) {
 Worker Start(std::size_t index, const std::function<std::string(std::size_t)>& work) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) return {};
+    const pid_t parent = getpid();
     const pid_t process = fork();
     if (process == 0) {
         close(ends[0]);
+        EndWith(parent);
         WorkInChild(ends[1], index, work);
     }
     close(ends[1]);

@@ -3,7 +3,7 @@
 _bscan_files() {
     local IFS=$'\n'
     compopt -o filenames 2>/dev/null
-    COMPREPLY=($(compgen -d -- "$1"; compgen -f -X '!*.@(bsd|bsdl|bsm|BSD|BSDL|BSM)' -- "$1"))
+    COMPREPLY=($(compgen -d -- "$1"; compgen -f -X '!*.@(bsd|bsdl|BSD|BSDL)' -- "$1"))
 }
 
 _bscan() {
@@ -11,18 +11,18 @@ _bscan() {
     local command=${COMP_WORDS[1]} options=
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        COMPREPLY=($(compgen -W 'show drive observe check diff draw --help --version' -- "$current"))
+        COMPREPLY=($(compgen -W 'show drive observe check diff draw svf openocd live simulate --help --version' -- "$current"))
         return
     fi
     case $previous in
         --format)
             COMPREPLY=($(compgen -W 'table csv json' -- "$current"))
             return ;;
-        --capture-file)
+        --capture-file | --chain | --steps | --output | -o)
             compopt -o filenames 2>/dev/null
             COMPREPLY=($(compgen -f -- "$current"))
             return ;;
-        --capture | --jobs | -j)
+        --capture | --jobs | -j | --do | --frequency | --from-sample)
             return ;;
     esac
     case $command in
@@ -31,6 +31,11 @@ _bscan() {
         observe) options='--capture --capture-file --format --json --help' ;;
         check) options='--jobs --format --json --help' ;;
         draw) options='--help' ;;
+        svf) options='--chain --do --steps --output --frequency --from-sample --no-idcode --help' ;;
+        openocd) options='--chain --output --help' ;;
+        live) options='--chain --openocd --adapter --hold --every --count --vcd --library --help' ;;
+        simulate) options='--chain --net --level --pull --float --open --stuck --short --log
+            --adapter-file --port --once --help' ;;
     esac
     if [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))
