@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -22,12 +21,6 @@ inline void Require(const std::string& fault) {
 
 inline void Require(bool holds, const char* claim) {
     if (!holds) Require(std::string("not so: ") + claim);
-}
-
-/// Whether a view lies within a text.
-inline bool IsWithin(std::string_view part, std::string_view text) {
-    return part.empty() ||
-           (part.data() >= text.data() && part.data() + part.size() <= text.data() + text.size());
 }
 
 }  // namespace bscan::fuzz

@@ -46,11 +46,7 @@ TEST(BoundaryRegister, FillsACellForEachEntry) {
 
 // The fields behind the cell number 3.
 TEST(BoundaryRegister, ReadsAnEntrysFields) {
-    const struct {
-        const char* fields;
-        int result;
-        const char* cell;  // null for none
-    } rows[] = {
+    const Rows<const char*, int, const char*> rows = {
         {"(BC_2, IO(3), bidir, 0, 7, 1, weak1)", kOk,
          "BC_2 BIDIR [IO3] [] safe 0 value 0 port IO:3 control -1 off 1 shows WEAK1"},
         {" ( bc_2 ,io ( 3 ) , Input , x )", kOk, "BC_2 INPUT [IO3] [] safe X value X port IO:3"},
@@ -71,22 +67,18 @@ TEST(BoundaryRegister, ReadsAnEntrysFields) {
          "BC_1 OBSERVE_ONLY [OUT1] [] safe X value X port OUT1:0"},
         {"(BC_1, IN1, input, X, 8, 1, Z)", kFailed, nullptr},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.fields);
-        ReadDevice device(WithRegister(std::string("\"3 ") + row.fields + "\";"));
-        EXPECT_EQ(device.result(), row.result);
-        EXPECT_EQ(FilledCells(device.map()), row.cell ? std::string("3: ") + row.cell : "");
+    for (const auto& [fields, result, cell] : rows) {
+        SCOPED_TRACE(fields);
+        ReadDevice device(WithRegister(std::string("\"3 ") + fields + "\";"));
+        EXPECT_EQ(device.result(), result);
+        EXPECT_EQ(FilledCells(device.map()), cell ? std::string("3: ") + cell : "");
     }
 }
 
 // How the value is cut into entries and remarks: each row tells the cells with their remarks. In a
 // value '#' stands for "(a,*,b,0)" and '|' for the end of a piece and of a line.
 TEST(BoundaryRegister, CutsTheValueIntoEntries) {
-    const struct {
-        std::string value;
-        int result;
-        const char* cells;
-    } rows[] = {
+    const Rows<std::string, int, const char*> rows = {
         {"\"1 #,2 #\";", kOk, "1[] 2[]"},
         {"\"1 (a,*,|b,0)|, 2 #\";", kOk, "1[] 2[]"},
         {"\"1 #,\" & -- x - y 3\n\"2 #\";", kOk, "1[xy3] 2[]"},
@@ -107,17 +99,16 @@ TEST(BoundaryRegister, CutsTheValueIntoEntries) {
         {"\"x3 #, 4294967297 #\";", kOk, "0[] 1[]"},
         {"\"1 #,\" &", kReadFailed, ""},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.value);
+    for (const auto& [written, result, filled] : rows) {
+        SCOPED_TRACE(written);
         std::string value;
-        for (const char c : row.value) {
+        for (const char c : written) {
             value += c == '#' ? "(a,*,b,0)" : c == '|' ? "\" &\n\"" : std::string(1, c);
         }
         BScanParser parser;
         parser.CreatePort(Text("IN1 : in bit;"));
         parser.GetPinMap()->AllocateBScanCellTable(8);
-        EXPECT_EQ(parser.ReadBSCANBoundaryRegister(Stream(value + "\n"), Text("X is ")),
-                  row.result);
+        EXPECT_EQ(parser.ReadBSCANBoundaryRegister(Stream(value + "\n"), Text("X is ")), result);
         std::string cells;
         for (int n = 0; n < 8; ++n) {
             const LBScanCell& cell = *parser.GetPinMap()->GetBScanCell(n);
@@ -125,7 +116,7 @@ TEST(BoundaryRegister, CutsTheValueIntoEntries) {
             cells += (cells.empty() ? "" : " ") + std::to_string(n) + '[' +
                      cell.GetOriginalPinName() + ']';
         }
-        EXPECT_EQ(cells, row.cells);
+        EXPECT_EQ(cells, filled);
     }
 }
 
@@ -144,18 +135,6 @@ TEST(BoundaryRegister, MayBeAConstant) {
                "constant R_2 : BOUNDARY_REGISTERS := \"2 (\";\n"));
     EXPECT_EQ(device.result(), kOk);
     EXPECT_EQ(device.map().GetBScanBitArray()[0], 0x40);
-}
-
-TEST(BoundaryRegister, ASecondLengthStartsAfresh) {
-    ReadDevice device(
-        WithRegister("\"0 (BC_1, IN1, input, X), 1 (BC_1, OUT1, output2, 1)\";\n"
-                     "attribute BOUNDARY_LENGTH of X : entity is 1;\n"
-                     "attribute BOUNDARY_REGISTER of X : entity is\n"
-                     "\"0 (BC_1, OUT1, output2, X)\";"));
-    EXPECT_EQ(FilledCells(device.map()), "0: BC_1 OUTPUT2 [OUT1] [] safe X value X port OUT1:0");
-    EXPECT_EQ(CellsOf(device.Port("IN1")), "");
-    EXPECT_EQ(CellsOf(device.Port("OUT1")), "0");
-    EXPECT_EQ(device.map().GetBScanBitArray()[0], 0x00);
 }
 
 /// A device of ten cells: P and N, Q and M are pairs of "inout" ports, S is a single port.
@@ -188,18 +167,11 @@ TEST(DifferentialCompletion, GivesTheNegativePortTheCellsOfThePositive) {
     EXPECT_EQ(CellsOf(device.Port("M")), "4");
     EXPECT_EQ(map.GetBScanBitArray()[0], 0xC0) << "the completion leaves the bits";
     EXPECT_EQ(Legs(&map), "..+-.");
-    EXPECT_EQ(FindFault(device.parser, kOk), "");
+    EXPECT_EQ(FindFault(device.parser), "");
 }
 
 TEST(DifferentialCompletion, PassesOverOrGivesUp) {
-    const struct {
-        const char* name;
-        const char* pairs;
-        std::string value;
-        int result;
-        const char* completed;
-        const char* legs;
-    } rows[] = {
+    const Rows<const char*, const char*, std::string, int, const char*, const char*> rows = {
         {"no control cell", "(P,N)", "\"0 (BC_1, P, input, 0)," + kBoth.substr(1) + "\"\";", kOk,
          "P/N@-1,-1", "+-..."},
         {"no positive cell", "(N,P),(Q,M)", "\"5 (BC_1, *, internal, 0),\" & -- P\n\"\";", kOk,
@@ -216,15 +188,15 @@ TEST(DifferentialCompletion, PassesOverOrGivesUp) {
          "+-..."},
         {"not after a bad value", "(P,N)", kBoth + "\"1 (a))\";", kBadValue, "P/N@-1,-1", "+-..."},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        ReadDevice device(WithPairs(row.pairs, row.value));
-        EXPECT_EQ(device.result(), row.result);
-        EXPECT_EQ(Pairs(device.parser), row.completed);
-        EXPECT_EQ(Legs(&device.map()), row.legs);
+    for (const auto& [name, pairs, value, result, completed, legs] : rows) {
+        SCOPED_TRACE(name);
+        ReadDevice device(WithPairs(pairs, value));
+        EXPECT_EQ(device.result(), result);
+        EXPECT_EQ(Pairs(device.parser), completed);
+        EXPECT_EQ(Legs(&device.map()), legs);
         // What earlier pairs got stays when a later one fails.
-        const bool got = std::string(row.completed).find("P/N@1,5") != std::string::npos ||
-                         row.name == std::string("none for the second");
+        const bool got = std::string(completed).find("P/N@1,5") != std::string::npos ||
+                         name == std::string("none for the second");
         EXPECT_EQ(CellsOf(device.Port("N")), got ? "5" : "");
     }
 }

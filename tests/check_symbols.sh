@@ -6,7 +6,7 @@ set -euo pipefail
 export LC_ALL=C
 
 # Pieces of standard templates have default visibility wherever they are compiled into: they are
-# weak, differ between compilers, and are nobody's interface.
+# weak (or constants), differ between compilers, and are nobody's interface.
 exported() {
     nm --dynamic --demangle --defined-only "$1" | awk '
         {
@@ -15,7 +15,7 @@ exported() {
             sub(/^[^ ]* [^ ]* /, "", name)
             head = name
             sub(/[(<].*/, "", head)
-            if (type ~ /[WVu]/ && head ~ /(^| )(std|__gnu_cxx)::/) next
+            if (type ~ /[WVuR]/ && head ~ /(^| )(std|__gnu_cxx)::/) next
             print name
         }' | sort -u
 }

@@ -9,6 +9,7 @@
 
 #include <climits>
 #include <random>
+#include <utility>
 
 namespace bscan::test {
 namespace {
@@ -26,21 +27,45 @@ TEST(Host, GetsTheAnswersOfPlainWalks) {
     }
 }
 
-TEST(Host, MayUseARemovedNodeWhenItsMapIsGone) {
-    LPinNode* node = nullptr;
-    {
-        BScanPinMap map;
-        map.AddNewPorts(Text("A"), Text("in"), 2, true);
-        EXPECT_NE(map.GetPort(Text("A"), 1), nullptr);
-        node = static_cast<LPinNode*>(map.GetPinListArray()->RemoveTail());
-        EXPECT_EQ(map.GetPort(Text("A"), 1), nullptr);
+TEST(Misuse, OfReaders) {
+    using P = BScanParser;
+    BScanParser parser;
+    const auto expect = [&](int result) {
+        EXPECT_TRUE(result == kFailed || result == kReadFailed);
+    };
+    for (const auto reader : {&P::ReadEntity, &P::ReadAttribute, &P::ReadConstant,
+                              &P::ReadBSCANPinMap, &P::ReadPortGroupingAttribute}) {
+        expect((parser.*reader)(nullptr, nullptr));
+        expect((parser.*reader)(nullptr, ""));
     }
-    BScanPinMap other;
-    other.GetPinListArray()->AddTail(node);
-    node->SetPortName(Text("C"));
-    node->SetPinNumber(1);
-    EXPECT_EQ(other.GetPortwName(Text("c")), node);
-    EXPECT_EQ(other.GetPort(1), node);
+    for (const auto reader :
+         {&P::ReadGeneric, &P::ReadPort, &P::ReadBSCANBoundaryLength, &P::ReadInstructionLength,
+          &P::ReadBSCANBoundaryRegister, &P::ReadRegisterAccess, &P::ReadInstructionCapture,
+          &P::ReadInstructionOpcode}) {
+        expect((parser.*reader)(nullptr, nullptr));
+        expect((parser.*reader)(nullptr, Text("")));
+    }
+    EXPECT_EQ(parser.GetLine(nullptr, nullptr, nullptr), kFailed);
+    EXPECT_EQ(parser.CompleteStatement(nullptr, nullptr), kFailed);
+    EXPECT_EQ(parser.CompleteStatement(nullptr, nullptr, nullptr), kFailed);
+    EXPECT_EQ(parser.CompleteStatementWithOneOf(nullptr, nullptr, nullptr), kFailed);
+    EXPECT_EQ(parser.CreatePort(nullptr), kFailed);
+    EXPECT_EQ(parser.ReadPackageDB(nullptr), kCannotOpen);
+}
+
+TEST(Records, AreSortedByNameFromTheLastOne) {
+    const auto expect_descending = [](auto b, auto c) {
+        for (const bool is_less : {std::as_const(c) < b, c < b}) EXPECT_TRUE(is_less);
+        for (const bool is_less : {std::as_const(b) < c, b < c, b < b}) EXPECT_FALSE(is_less);
+    };
+    CInstrOpcode opcodes[2];
+    CRegister registers[2];
+    for (int i = 0; i < 2; ++i) {
+        opcodes[i].SetInstruction(i == 0 ? "b" : "C");
+        registers[i].SetRegisterName(i == 0 ? "b" : "C");
+    }
+    expect_descending(opcodes[0], opcodes[1]);
+    expect_descending(registers[0], registers[1]);
 }
 
 TEST(Misuse, OfRecords) {
@@ -49,18 +74,12 @@ TEST(Misuse, OfRecords) {
     CInstrRegisterDesc instructions;
     CRegister data_register;
     CRegisterAccessDesc registers;
-    ErrorHandler handler;
     for (const char* text : {static_cast<const char*>(nullptr), "", "A"}) {
-        pins.SetPackageName(text);
-        pins.AddPin(text);
         opcode.SetInstruction(text);
         opcode.AddOpcode(text);
-        instructions.SetInstructionCapture(text);
         data_register.SetRegisterName(text);
         data_register.AddRegisterAssociation(text);
-        handler.SetDefaultDir(text);
-        EXPECT_EQ(handler.Initialize(Text(text), INT_MIN), kOk);
-        handler.SetErrorOccured(Text(text));
+        pins.AddPin(text);
     }
     instructions.AddInstructionOpcode(nullptr);
     registers.AddRegister(nullptr);
@@ -70,14 +89,13 @@ TEST(Misuse, OfRecords) {
         instructions.AddInstructionOpcode(i ? instructions.GetInstructionOpcode(0) : &opcode);
         registers.AddRegister(i ? registers.GetRegister(0) : &data_register);
     }
-    EXPECT_EQ(Instructions(&instructions), Registers(&registers));
-    EXPECT_FALSE(opcode < opcode);
+    EXPECT_EQ(Instructions(&instructions), "A(,A) A(,A) A(,A)");
+    EXPECT_EQ(Registers(&registers), "A(,A) A(,A) A(,A)");
     pins.SetPin(1, "C1");
     EXPECT_EQ(pins.GetPinNumber("C1"), 1);
     for (const int index : {INT_MIN, -1, 100, INT_MAX}) {
         pins.SetPin(index, "x");
         EXPECT_EQ(pins.GetPin(index), nullptr);
-        EXPECT_EQ(handler.GetError(index), nullptr);
         EXPECT_EQ(instructions.GetInstructionOpcode(index), nullptr);
         EXPECT_EQ(opcode.GetOpcode(index), nullptr);
         EXPECT_EQ(registers.GetRegister(index), nullptr);

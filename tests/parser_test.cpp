@@ -1,10 +1,12 @@
-// The parser object: its two entry points, the walk over the entity, and error reports.
+// The parser object: its two entry points and the walk over the entity.
 
 #include "support/read_device.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <pthread.h>
+#include <regex>
+#include <sstream>
 #include <type_traits>
 
 namespace bscan::test {
@@ -13,11 +15,7 @@ namespace {
 constexpr const char* kGood = "entity GOOD is\ngeneric (A : string := \"X\");\nend GOOD;\n";
 
 TEST(Entity, IsReadLineByLine) {
-    const struct {
-        const char* text;
-        int result;
-        const char* component;
-    } rows[] = {
+    const Rows<const char*, int, const char*> rows = {
         {kGood, kOk, "GOOD"},
         {"-- comment\n\n  entity\tX\tis\n generic (\n A);\nend;", kOk, "X"},
         {"entityX is;\nend;\n", kOk, "X"},
@@ -33,12 +31,23 @@ TEST(Entity, IsReadLineByLine) {
         {"library IEEE;\nentity X is;\nend;\n", kUnexpectedLine, nullptr},
         {"Entity X is;\nend;\n", kUnexpectedLine, nullptr},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        ReadDevice device(row.text);
-        EXPECT_EQ(device.result(), row.result);
-        EXPECT_STREQ(device.parser.GetComponentName(), row.component);
+    for (const auto& [text, result, component] : rows) {
+        SCOPED_TRACE(text);
+        ReadDevice device(text);
+        EXPECT_EQ(device.result(), result);
+        EXPECT_STREQ(device.parser.GetComponentName(), component);
     }
+}
+
+TEST(Entity, HasReadersThatGoOnInTheOpenFile) {
+    BScanParser parser;
+    std::string open = "5;\n";
+    fptrBSDL = fmemopen(open.data(), open.size(), "r");  // the parser closes it
+    const Stream stream("attribute INSTRUCTION_LENGTH of X : entity is\nend;\n");
+    EXPECT_EQ(parser.ReadEntity(stream, "entity X is;"), kOk);
+    EXPECT_EQ(parser.GetInstructionRegisterDescription()->GetInstructionLength(), 5);
+    EXPECT_EQ(parser.ReadAttribute(Stream("7;\n"), "attribute INSTRUCTION_LENGTH of X is"), kOk);
+    EXPECT_EQ(parser.GetInstructionRegisterDescription()->GetInstructionLength(), 7);
 }
 
 TEST(Parser, OpensAndClosesItsFile) {
@@ -69,84 +78,77 @@ TEST(Parser, OpensAndClosesItsFile) {
         EXPECT_EQ(parser.Initialize(file.c_str(), nullptr), kOk);
     }
     EXPECT_EQ(fptrBSDL, nullptr) << "the destructor closes the file";
-    EXPECT_EQ(std::filesystem::current_path(), working);
-}
-
-TEST(Parser, WorksWithOthersInOneProcess) {
-    const TempDir directory;
-    const std::string good = directory.Write("good.bsd", kGood);
     const std::string other = directory.Write("other.bsd", "entity OTHER is;\nend;\n");
     BScanParser second;
     {
         BScanParser first;
-        ASSERT_EQ(first.Initialize(good.c_str(), ""), kOk);
+        ASSERT_EQ(first.Initialize(file.c_str(), ""), kOk);
         ASSERT_EQ(second.Initialize(other.c_str(), ""), kOk);
         EXPECT_EQ(first.Read(), kOk) << "it reads the file that is open";
         EXPECT_STREQ(first.GetComponentName(), "OTHER");
+        ASSERT_EQ(first.Initialize(file.c_str(), ""), kOk);
+        EXPECT_EQ(first.Read(), kOk) << "a second reading adds to the first";
+        EXPECT_STREQ(first.GetComponentName(), "GOOD");
     }
     EXPECT_EQ(second.Read(), kFailed);
-    ASSERT_EQ(second.Initialize(good.c_str(), ""), kOk);
-    EXPECT_EQ(second.Read(), kOk);
-    EXPECT_STREQ(second.GetComponentName(), "GOOD");
+    EXPECT_EQ(std::filesystem::current_path(), working);
 }
 
-TEST(Parser, ASecondReadingAddsToTheFirst) {
+TEST(Parser, MayBeLeftByACancelledThread) {
     const TempDir directory;
-    BScanParser parser;
-    for (const char* statements :
-         {"port (\nA : in bit);\nattribute INSTRUCTION_LENGTH of X : entity is 4;",
-          "port (\nB : in bit);\nattribute INSTRUCTION_CAPTURE of X : entity is \"01\" ;"}) {
-        EXPECT_EQ(parser.Initialize(directory.Write("d", Entity(statements)).c_str(), ""), kOk);
-        EXPECT_EQ(parser.Read(), kOk);
-    }
-    EXPECT_EQ(Ports(parser.GetPinMap()), "A:in:0 B:in:0");
-    EXPECT_EQ(parser.GetInstructionRegisterDescription()->GetInstructionLength(), 4);
-}
-
-TEST(ErrorReport, ComposesAMessage) {
-    const TempDir directory;
-    directory.Write("ErrorList.txt",
-                    "1 2 3 in line %d\n2 0 65535 %d:%d %d %s%%\n65535 65535 0 last\n4 4 7 \n");
     const std::string file = directory.Write("good.bsd", kGood);
-    BScanParser parser;
-    EXPECT_EQ(parser.ProcessException(1, 2, Text("x")), -1) << "no error handler";
-    ASSERT_EQ(parser.Initialize(file.c_str(), directory.Path("").c_str()), kOk);
-    ASSERT_EQ(parser.Read(), kOk);
-    const struct {
-        int group;
-        unsigned number;
-        const char* text;
-        int result;
-        const char* message;
-    } rows[] = {
-        {9, 9, "bad cell", -1, "\nbad cell\nXML Parser Error At Line 3, Column 0."},
-        {9, 9, "%s%n %d", -1, "\n%s%n %d\nXML Parser Error At Line 3, Column 0."},
-        {1, 2, "x", 3, "\nx\nin line 3"},
-        {1 + 65536, 2 + 65536, "", 3, "\n\nin line 3"},
-        {-1, 0xFFFFFFFFU, nullptr, 0, "\nlast"},
-        {2, 0, nullptr, 65535, "\n3:0 %d %s%%"},
+    pthread_t thread{};
+    const auto read = [](void* path) -> void* {
+        BScanParser parser;
+        pthread_cancel(pthread_self());  // takes effect where the thread might wait for the file
+        parser.Initialize(static_cast<const char*>(path), nullptr);
+        return nullptr;
     };
-    int count = 0;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.message);
-        EXPECT_EQ(parser.ProcessException(row.group, row.number, Text(row.text)), row.result);
-        ASSERT_EQ(parser.GetErrorHandler()->GetErrorCount(), ++count);
-        EXPECT_STREQ(parser.GetErrorHandler()->GetError(count - 1), row.message);
-    }
-    EXPECT_EQ(parser.Reset(), kOk);
-    EXPECT_EQ(parser.GetErrorHandler()->GetErrorCount(), 0);
-    EXPECT_EQ(parser.ProcessException(1, 2, nullptr), -1) << "a fresh handler has no table";
-    EXPECT_STREQ(parser.GetErrorHandler()->GetError(0), "\nXML Parser Error At Line 0, Column 0.");
-    parser.ClearBuffers();
-    EXPECT_EQ(parser.GetErrorHandler(), nullptr);
+    ASSERT_EQ(pthread_create(&thread, nullptr, read, const_cast<char*>(file.c_str())), 0);
+    void* end = nullptr;
+    ASSERT_EQ(pthread_join(thread, &end), 0);
+    EXPECT_EQ(end, PTHREAD_CANCELED);
 }
 
-TEST(ResultCodes, AllHaveAMeaning) {
-    const std::string unknown = bscan::Describe(1);
-    for (int code = -30; code <= 5; ++code) {
-        const bool used = code <= 0 && code >= kOutOfMemory && code != -12;
-        EXPECT_EQ(bscan::Describe(code) != unknown, used) << code;
+TEST(Parser, AsksTheErrorHandlerOfAHostsResetForItsDirectory) {
+    struct Host final : BScanParser {
+        int Reset() override {
+            BScanParser::Reset();
+            GetErrorHandler()->SetDefaultDir("elsewhere");
+            return result;
+        }
+        int result = kOk;
+    };
+    const TempDir directory;
+    directory.Write("ErrorList.txt", "1 2 3 found\n");
+    Host parser;
+    const std::string file = directory.Write("good.bsd", kGood);
+    ASSERT_EQ(parser.Initialize(file.c_str(), directory.Path("").c_str()), kOk);
+    EXPECT_NE(parser.GetErrorHandler()->GetErrorElement(1, 2), nullptr);
+    parser.result = -99;
+    EXPECT_EQ(parser.Initialize(file.c_str(), ""), -99) << "what Reset says";
+}
+
+TEST(ResultCodes, AreWordedAlikeEverywhere) {
+    for (const int code : {1, -12, -99}) EXPECT_STREQ(bscan::Describe(code), "unknown result");
+    const std::regex row(R"(\| (-?\d+) \| (`\w+` \| )?([^|]*) \|.*)");
+    for (const auto& [page, expected] : {std::pair("README.md", 26), {"docs/bsdl.md", 12}}) {
+        std::istringstream lines(Contents(SourceDir() / page));
+        int count = 0;
+        std::smatch match;
+        for (std::string line; std::getline(lines, line);) {
+            if (!std::regex_match(line, match, row)) continue;
+            EXPECT_EQ(match.str(3), bscan::Describe(std::stoi(match.str(1)))) << page;
+            ++count;
+        }
+        EXPECT_EQ(count, expected) << page;
     }
+}
+
+TEST(Version, IsThatOfTheHeaders) {
+    EXPECT_EQ(bscan::Version(), std::to_string(BSCAN_VERSION_MAJOR) + '.' +
+                                    std::to_string(BSCAN_VERSION_MINOR) + '.' +
+                                    std::to_string(BSCAN_VERSION_PATCH));
 }
 
 }  // namespace

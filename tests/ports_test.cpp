@@ -60,12 +60,6 @@ TEST(PortDeclaration, AddsElementsInTheOrderWritten) {
 }
 
 TEST(PortDeclaration, HasNoLimitBelowTheCeiling) {
-    std::string names;
-    for (int i = 0; i < 3000; ++i) names += "PORT_" + std::to_string(i) + ", ";
-    BScanParser parser;
-    parser.CreatePort(Text(names + "LAST : in bit;"));
-    EXPECT_EQ(parser.GetPinMap()->GetNumberOfPins(), 3001);
-
     BScanPinMap map;
     map.AddNewPorts(Text("A"), Text("in"), kMaxPortElements - 1, true);
     map.AddNewPorts(Text("B"), Text("in"), 0, 1);
@@ -76,11 +70,7 @@ TEST(PortDeclaration, HasNoLimitBelowTheCeiling) {
 }
 
 TEST(PortClause, EndsWithItsLastParenthesis) {
-    const struct {
-        const char* clause;
-        int result;
-        const char* ports;
-    } rows[] = {
+    const Rows<const char*, int, const char*> rows = {
         {"port (TDI: in bit;\nTDO: out bit;\nD: inout bit_vector (0 to 1);\nTCK: in bit);\nX:Y "
          "Z;\n",
          kOk, "TDI:in:0 TDO:out:0 D:inout:0 D:inout:1 TCK:in:0"},
@@ -93,14 +83,14 @@ TEST(PortClause, EndsWithItsLastParenthesis) {
         {"port (, : in bit;\n, : in bit);\n", kOk, ":in:0 :in:0"},
         {"port A : in bit;\n);\n", kOk, "port A:in:0"},
         {"port (\nA : in bit;\nB : in", kEndOfFile, "A:in:0"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.clause);
-        const Stream stream(row.clause);
+    for (const auto& [clause, result, ports] : rows) {
+        SCOPED_TRACE(clause);
+        const Stream stream(clause);
         BScanParser parser;
         Text line("");
         ASSERT_EQ(parser.GetLine(stream, line, nullptr), kOk);
-        EXPECT_EQ(parser.ReadPort(stream, line), row.result);
-        EXPECT_EQ(Ports(parser.GetPinMap()), row.ports);
+        EXPECT_EQ(parser.ReadPort(stream, line), result);
+        EXPECT_EQ(Ports(parser.GetPinMap()), ports);
     }
 }
 
@@ -116,12 +106,7 @@ struct Grouping {
 
 // In a value "V" stands for "Differential_Voltage".
 TEST(PortGrouping, RecordsPairsAndMarksPorts) {
-    const struct {
-        std::string value;
-        int result;
-        const char* pairs;
-        const char* legs;
-    } rows[] = {
+    const Rows<std::string, int, const char*, const char*> rows = {
         {"V ((A_P, A_N), (B_P, B_N)), Differential_Current ((C_P, C_N))", kOk,
          "A_P/A_N@-1,-1 B_P/B_N@-1,-1 C_P/C_N@-1,-1", "+-+-+-.."},
         {"differential_voltage((a_p,a_n))", kOk, "A_P/A_N@-1,-1", "+-......"},
@@ -139,16 +124,16 @@ TEST(PortGrouping, RecordsPairsAndMarksPorts) {
         {"V ((A_P, ))", kFailed, "", "........"},
         {"V ((A_P, A_N)", kFailed, "", "........"},
         {"", kFailed, "", "........"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.value);
-        std::string value = row.value;
+    for (const auto& [written, result, pairs, legs] : rows) {
+        SCOPED_TRACE(written);
+        std::string value = written;
         while (value.find("V (") != value.npos) {
             value.replace(value.find("V ("), 1, "Differential_Voltage");
         }
         Grouping grouping;
-        EXPECT_EQ(grouping.Read('"' + value + "\";"), row.result);
-        EXPECT_EQ(Pairs(grouping.parser), row.pairs);
-        EXPECT_EQ(grouping.legs(), row.legs);
+        EXPECT_EQ(grouping.Read('"' + value + "\";"), result);
+        EXPECT_EQ(Pairs(grouping.parser), pairs);
+        EXPECT_EQ(grouping.legs(), legs);
     }
 }
 
@@ -159,6 +144,7 @@ TEST(PortGrouping, AppendsToTheList) {
     EXPECT_EQ(grouping.Read("\"Differential_Voltage (C_P)\";"), kOk) << "the list holds pairs";
     EXPECT_EQ(grouping.Read("\"Differential", ""), kReadFailed);
     EXPECT_EQ(Pairs(grouping.parser), "A_P/A_N@-1,-1 B_P/B_N@-1,-1");
+    for (const int index : {-1, 2}) EXPECT_EQ(grouping.parser.GetDifferentialPair(index), nullptr);
     grouping.parser.ClearDifferentialPairList();
     EXPECT_EQ(Pairs(grouping.parser), "");
     EXPECT_EQ(grouping.legs(), "+-+-....");

@@ -4,43 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+
 namespace bscan::test {
 namespace {
 
-constexpr std::string_view kThreeCells = R"bsdl(entity CHIP is
-generic (PHYSICAL_PIN_MAP : string := "PKG");
-port (
-  IN1 : in bit;
-  IO  : inout bit
-);
-constant PKG : PIN_MAP_STRING := "IN1 : 1, " &
-  "IO : 2";
-attribute BOUNDARY_LENGTH of CHIP : entity is 3;
-attribute BOUNDARY_REGISTER of CHIP : entity is
-  "0 (BC_1, IN1, input, X)," &
-  "1 (BC_1, *, control, 0)," &
-  "2 (BC_7, IO, bidir, X, 1, 0, Z)";
-end CHIP;
-)bsdl";
-
-TEST(ScanVector, DrivesAndReleasesAPort) {
-    ReadDevice device(kThreeCells);
-    BScanPinMap& map = device.map();
-    const unsigned char* const bits = map.GetBScanBitArray();
-    EXPECT_EQ(map.GetBScanLength(), 3);
-    EXPECT_EQ(bits[0], 0x00);
-    EXPECT_EQ(map.GetPortDirection(2), PORT_IN);
-    EXPECT_EQ(map.setPort(2, PORT_OUT, SIG_1), 0);
-    EXPECT_EQ(bits[0], 0x60);
-    EXPECT_EQ(map.GetPort(2)->GetPortValue(), SIG_1);
-    EXPECT_EQ(map.GetPortDirection(2), PORT_OUT);
-    EXPECT_EQ(map.GetPortValue(2), SIG_1);
-    EXPECT_EQ(map.setPort(2, PORT_IN, SIG_X), 0);
-    EXPECT_EQ(bits[0], 0x00);
-    EXPECT_EQ(map.GetPortDirection(2), PORT_IN);
-    EXPECT_EQ(map.GetPortValue(2), SIG_Z);
-    EXPECT_EQ(map.GetPortValue(1), SIG_X);
-}
+/// A device of an input, a control and a "bidir" cell, and a capture for it.
+struct ThreeCells : ReadDevice {
+    explicit ThreeCells(const std::vector<unsigned char>& data,
+                        const std::vector<unsigned char>& mask = {})
+        : ReadDevice(Contents(SourceDir() / "tests" / "devices" / "three_cells.bsd"), data, mask) {}
+};
 
 TEST(ScanVector, StartsFromACapture) {
     const struct {
@@ -52,6 +26,7 @@ TEST(ScanVector, StartsFromACapture) {
         PortType direction;
     } rows[] = {
         {{1, 0, 1}, {}, 0xA0, SIG_1, SIG_1, PORT_IN},
+        {{}, {}, 0x00, SIG_X, SIG_X, PORT_IN},
         {{0, 1, 0}, {}, 0x40, SIG_0, SIG_0, PORT_OUT},
         {{0, 1, 1}, {0, 1, 0xFF}, 0x60, SIG_X, SIG_1, PORT_OUT},
         {{1, 2, 1}, {1, 1, 1}, 0xA0, SIG_1, SIG_1, PORT_OUT},  // an unknown control cell drives
@@ -60,7 +35,7 @@ TEST(ScanVector, StartsFromACapture) {
         {{1, 0, 1, 1, 1}, {}, 0xA0, SIG_1, SIG_1, PORT_IN}};
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
-        ReadDevice device(kThreeCells, row.data, row.mask);
+        ThreeCells device(row.data, row.mask);
         EXPECT_EQ(device.map().GetBScanBitArray()[0], row.bits);
         EXPECT_EQ(device.map().GetPortValue(1), row.in1);
         EXPECT_EQ(device.map().GetPortValue(2), row.io);
@@ -69,15 +44,13 @@ TEST(ScanVector, StartsFromACapture) {
 }
 
 TEST(ScanVector, RefusedCapturesLeaveTheStoredOne) {
-    const TempDir directory;
-    BScanParser parser;
-    unsigned char data[] = {1, 0, 1};
-    EXPECT_EQ(parser.SetBSCANBitArray(data, 3, nullptr), kOk);
-    EXPECT_EQ(parser.SetBSCANBitArray(data, -1, nullptr), -1);
-    EXPECT_EQ(parser.SetBSCANBitArray(nullptr, 3, data), -1);
-    ASSERT_EQ(parser.Initialize(directory.Write("d", kThreeCells).c_str(), ""), kOk);
-    ASSERT_EQ(parser.Read(), kOk);
-    EXPECT_EQ(parser.GetPinMap()->GetBScanBitArray()[0], 0xA0);
+    ThreeCells device({1, 0, 1});
+    unsigned char data[] = {0, 0, 0};
+    EXPECT_EQ(device.parser.SetBSCANBitArray(data, -1, nullptr), -1);
+    EXPECT_EQ(device.parser.SetBSCANBitArray(nullptr, 3, data), -1);
+    EXPECT_EQ(device.parser.ReadBSCANBoundaryLength(nullptr, Text("is 2;")), kOk);
+    EXPECT_EQ(device.parser.ReadBSCANBoundaryRegister(nullptr, Text("is \"0 (a,*,b,0)\";")), kOk);
+    EXPECT_EQ(device.map().GetBScanBitArray()[0], 0x80);
 }
 
 constexpr std::string_view kLevels = "01XZpPwW";        // in the order of eSignal
@@ -167,21 +140,17 @@ TEST(Drive, SetsTheCellsOfTheRoles) {
 }
 
 TEST(Drive, FollowsTheMode) {
-    const struct {
-        const char* mode;
-        const char* function;
-        const char* received;  // as they were where the mode refuses
-        const char* driven;
-    } rows[] = {{"in", "I", "1/X", "X/X"},
-                {"out", "2", "X/X", "1/1"},
-                {"buffer", "2", "X/X", "1/1"},
-                {"inout", "B", "1/0", "1/1"}};
-    for (const auto& row : rows) {
+    const Rows<const char*, const char*, const char*, const char*> rows = {
+        {"in", "I", "1/X", "X/X"},
+        {"out", "2", "X/X", "1/1"},
+        {"buffer", "2", "X/X", "1/1"},
+        {"inout", "B", "1/0", "1/1"}};
+    for (const auto& [mode, function, received, driven] : rows) {
         for (int direction = PORT_IN - 1; direction <= PORT_NONE + 1; ++direction) {
-            SCOPED_TRACE(row.mode + std::to_string(direction));
-            Port port(row.mode, row.function);
-            const std::string values = direction == PORT_IN    ? row.received
-                                       : direction == PORT_OUT ? row.driven
+            SCOPED_TRACE(mode + std::to_string(direction));
+            Port port(mode, function);
+            const std::string values = direction == PORT_IN    ? received
+                                       : direction == PORT_OUT ? driven
                                                                : "X/X";
             EXPECT_EQ(port.node().SetBScanCell(static_cast<PortType>(direction), SIG_1),
                       values == "X/X" ? -1 : 0);
@@ -218,19 +187,23 @@ TEST(PortValue, IsReadFromTheCells) {
 }
 
 TEST(SetPort, UpdatesTheBitsOfAllRoles) {
-    Port port("inout", "I3");
+    Port port("inout", "IV3");
     for (int n = 0; n < 8; ++n) port.map.SetBit(n, SIG_1);
     EXPECT_EQ(port.map.setPort(1, PORT_OUT, SIG_0), 0);
-    EXPECT_EQ(port.bits(), 0x9F) << "control on, the input cell's X and the output's 0 cleared";
-    port.Cell(1).cellValue = SIG_1;
-    EXPECT_EQ(port.map.setPort(1, PORT_OUT, SIG_1), 0);
-    EXPECT_EQ(port.bits(), 0xFF);
+    EXPECT_EQ(port.bits(), 0x8F) << "control on, the X of both inputs and the output's 0 cleared";
+    port.map.ResetAllPort();
+    port.Cell(2).cellValue = SIG_1;
+    EXPECT_EQ(port.map.UpdateBScanBitArray(&port.node()), 0);
+    EXPECT_EQ(port.bits(), 0xA0);
+    EXPECT_EQ(port.map.setPort(1, PORT_NONE, SIG_1, false), 0) << "which marks the bits alone";
+    EXPECT_EQ(port.bits(), 0xF0);
+    EXPECT_EQ(port.Values(), "X10/1");
+    EXPECT_EQ(port.node().GetPortValue(), SIG_1);
     port.map.ResetAllPort();
     EXPECT_EQ(port.bits(), 0x00);
-    EXPECT_EQ(port.map.UpdateBScanBitArray(&port.node()), 0);
-    EXPECT_EQ(port.bits(), 0xE0);
-    EXPECT_EQ(port.map.setPort(1, PORT_IN, SIG_1), 0);
-    EXPECT_EQ(port.bits(), 0x40);
+    EXPECT_EQ(port.map.setPort(1, PORT_NONE, SIG_0, true), 0);
+    EXPECT_EQ(port.bits(), 0xD0) << "control, input and output cell";
+    EXPECT_EQ(port.map.setPort(2, PORT_OUT, SIG_1, true), -1);
 }
 
 TEST(SetPort, FailsWithoutChangingBits) {
@@ -239,6 +212,7 @@ TEST(SetPort, FailsWithoutChangingBits) {
     EXPECT_EQ(in.node().GetPortValue(), SIG_1) << "recorded all the same";
     EXPECT_EQ(in.Values(), "X/X");
     for (int pin : {0, 2, -1}) EXPECT_EQ(in.map.setPort(pin, PORT_IN, SIG_1), -1) << pin;
+    for (int n : {-1, 8, INT_MAX}) EXPECT_EQ(in.map.SetBit(n, SIG_1), -1) << n;
     EXPECT_EQ(in.bits(), 0x00);
     Port half("inout", "3");
     EXPECT_EQ(half.map.setPort(1, PORT_OUT, SIG_1), -1);
@@ -246,19 +220,7 @@ TEST(SetPort, FailsWithoutChangingBits) {
     EXPECT_EQ(half.bits(), 0x00);
     Port none("out", "");
     EXPECT_EQ(none.map.setPort(1, PORT_IN, SIG_1), 0) << "a port without cells takes anything";
-}
-
-TEST(SetPort, MarksTheCellsOfAPort) {
-    Port port("inout", "IV3");
-    EXPECT_EQ(port.map.setPort(1, PORT_NONE, SIG_0, false), 0);
-    EXPECT_EQ(port.bits(), 0xD0) << "control, input and output cell";
-    EXPECT_EQ(port.Values(), "XXX/X");
-    EXPECT_EQ(port.node().GetPortValue(), SIG_0);
-    EXPECT_EQ(port.map.setPort(2, PORT_OUT, SIG_1, true), -1);
-}
-
-TEST(SetPort, NeedsARegisterForItsBits) {
-    BScanPinMap map;
+    BScanPinMap map;  // without a register
     map.AddNewPorts(Text("P"), Text("in"), 1, true);
     map.SetPinNumber(Text("P"), 0, 1);
     EXPECT_EQ(map.UpdateBScanBitArray(map.GetPort(1)), -1);

@@ -34,6 +34,21 @@ cp -r "$here/make" "$work/make"
 PKG_CONFIG_PATH=$library_dir/pkgconfig make -s -C "$work/make"
 LD_LIBRARY_PATH=$library_dir "$work/make/count" "$device"
 
+step "each public header alone"
+read -ra flags < <(PKG_CONFIG_PATH=$library_dir/pkgconfig pkg-config --cflags bscan)
+compilers=(g++)
+if command -v clang++ >/dev/null; then compilers+=(clang++); fi
+for compiler in "${compilers[@]}"; do
+    check=("$compiler" "${flags[@]}" -Wall -Wextra -Werror -fsyntax-only -x c++)
+    find "$prefix/include/bscan" -name '*.h' -print0 |
+        xargs -0 -I '{}' -P "$(nproc)" "${check[@]}" -std=c++17 -include '{}' /dev/null
+    # What differs between languages differs in all of them.
+    for language in -std=c++20 '-std=c++17 -fno-exceptions'; do
+        # shellcheck disable=SC2086  # one or two options
+        printf '#include <bscan/%s>\n' bscan.h pin_order.h text.h | "${check[@]}" $language -
+    done
+done
+
 step "the tool, its manual page and its completions"
 "$prefix/bin/bscan" --version
 "$prefix/bin/bscan" show "$device" >/dev/null

@@ -6,6 +6,8 @@
 
 #include "read_device.h"
 
+#include <array>
+
 namespace bscan::test {
 
 /// The cells of a port that its drives and its bits are about.
@@ -14,15 +16,16 @@ struct RoleCells {
     LBScanCell* output = nullptr;
     LBScanCell* control = nullptr;
     LBScanCell* observe = nullptr;
+    std::array<LBScanCell*, 4> All() const { return {input, output, control, observe}; }
 };
 RoleCells RolesOf(const LPinNode& node);
 
-/// Whether a port of a mode takes cells of a function.
-bool Suits(PortType mode, CellFunction function);
+/// The first cell of a device that bears a name, letter case aside; null without one.
+LBScanCell* WalkToCell(const BScanPinMap& map, const char* (LBScanCell::*name)() const,
+                       const char* sought);
 
-/// Looks through a device that a reading has left with `result`, and brings all its bits up to
-/// date.
-std::string FindFault(BScanParser& parser, int result);
+/// Looks through a device, and brings all its bits up to date.
+std::string FindFault(BScanParser& parser);
 
 /// Drives, releases and observes every pin in every way, numbers of no pin included.
 std::string FindDriveFault(BScanParser& parser);

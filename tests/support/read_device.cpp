@@ -10,38 +10,11 @@
 
 namespace bscan::test {
 
-const std::string_view kSmallDevice = R"bsdl(entity S is
-generic (PHYSICAL_PIN_MAP : string := "P");
-port (
- A : in bit; -- a
- D : inout bit_vector (1 downto 0);
- V : linkage bit);
-use STD.all;
-attribute PIN_MAP of S : entity is P;
-constant P : PIN_MAP_STRING := "A:A1," &
- "D:(B1,B2),V:A2";
-attribute PORT_GROUPING of S : entity is
- "Differential_Voltage ((D,V))";
-attribute INSTRUCTION_LENGTH of S : entity is 2;
-attribute INSTRUCTION_OPCODE of S : entity is
- "BYPASS (11)," & "EXTEST (00,01)";
-attribute INSTRUCTION_CAPTURE of S : entity is "01";
-attribute REGISTER_ACCESS of S : entity is "BOUNDARY (EXTEST)";
-attribute BOUNDARY_LENGTH of S : entity is 5;
-attribute BOUNDARY_REGISTER of S : entity is
- "0 (BC_1, *, control, 0)," &
- "1 (BC_7, D(0), bidir, X, 0, 0, Z)," & -- D0
- "2 (BC_1, A, input, X)," &
- "3 (BC_1, *, internal, 1)," &
- "4 (BC_1, *, internal, 1)," & -- V
- "";
-end S;
-)bsdl";
-
 namespace {
 
 constexpr const char* kModes[] = {"in", "out", "inout", "buffer", "none"};
 constexpr const char* kLevels[] = {"0", "1", "X", "Z", "PULL0", "PULL1", "WEAK0", "WEAK1"};
+
 constexpr const char* kFunctions[] = {"INPUT",    "CLOCK",     "OUTPUT2",      "OUTPUT3",
                                       "CONTROL",  "CONTROLR",  "INTERNAL",     "BIDIR",
                                       "BIDIR_IN", "BIDIR_OUT", "OBSERVE_ONLY", "NONE"};
@@ -86,6 +59,11 @@ std::string TempDir::Write(std::string_view name, std::string_view bytes) const 
 Stream::Stream(std::string_view text)
     : text_(text), file_(fmemopen(text_.data(), text_.size(), "r")) {
     if (!file_) std::abort();
+}
+
+const std::string& SmallDevice() {
+    static const std::string device = Contents(SourceDir() / "tests" / "devices" / "small.bsd");
+    return device;
 }
 
 ReadDevice::ReadDevice(std::string_view text, std::vector<unsigned char> capture,

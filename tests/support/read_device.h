@@ -3,22 +3,26 @@
 #pragma once
 
 #include <bscan/bscan.h>
+#include <bscan/text.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace bscan::test {
+
+/// What a test is tried with, one row after the other.
+template <class... Columns>
+using Rows = std::vector<std::tuple<Columns...>>;
 
 /// A directory of its own, removed with its files afterwards.
 class TempDir {
 public:
     TempDir();
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
     ~TempDir();
 
     std::string Path(std::string_view name) const { return path_ / name; }
@@ -48,8 +52,6 @@ private:
 class Stream {
 public:
     explicit Stream(std::string_view text);
-    Stream(const Stream&) = delete;
-    Stream& operator=(const Stream&) = delete;
     ~Stream() { std::fclose(file_); }
 
     operator FILE*() const { return file_; }
@@ -78,7 +80,7 @@ private:
 };
 
 /// A device that uses every kind of statement, in few bytes.
-extern const std::string_view kSmallDevice;
+const std::string& SmallDevice();
 /// Wraps statements into an entity with a generic clause for the package "PKG".
 std::string Entity(std::string_view statements);
 
