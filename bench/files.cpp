@@ -1,5 +1,6 @@
 #include "files.h"
 
+#include <bscan/description.h>
 #include <bscan/parser.h>
 #include <bscan/text.h>
 
@@ -56,6 +57,12 @@ int ReadDevice(const std::string& path) {
     BScanParser parser;
     const int result = parser.Initialize(path.c_str(), nullptr);
     return result != 0 ? result : parser.Read();
+}
+
+int ReadDescription(const std::string& path) {
+    const Description description = Description::Read(path.c_str());
+    BScanParser parser;
+    return description.Fill(parser);
 }
 
 }  // namespace bscan::bench

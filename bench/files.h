@@ -42,4 +42,9 @@ std::int64_t ReadLines(const std::string& path);
 /// @return the result of the reading.
 int ReadDevice(const std::string& path);
 
+/// Reads a device by the standard, checks it and fills a model, and destroys both.
+///
+/// @return the result of the reading or the filling.
+int ReadDescription(const std::string& path);
+
 }  // namespace bscan::bench

@@ -72,7 +72,7 @@ if(BSCAN_TOOLS)
     install(TARGETS bscan_tool DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
     install(FILES docs/bscan.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
     install(
-        FILES docs/bscan.schema.json
+        FILES docs/bscan.schema.json docs/findings.md
         DESTINATION "${CMAKE_INSTALL_DATADIR}/bscan"
         COMPONENT tools
     )

@@ -19,6 +19,8 @@ function(bscan_set_up_target target)
                 -Wundef
         )
     endif()
+    # g++ 12 sees overlaps in string additions where there are none.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
     if(BSCAN_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()

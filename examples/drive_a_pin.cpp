@@ -69,6 +69,11 @@ int main(int argc, char* argv[]) {
         std::fprintf(stderr, "%s: no port to drive, or its pin has no number\n", file);
         return 1;
     }
+    // setPort has nothing to do at a port without cells, and says 0.
+    if (!device->HasBScanCell(pin)) {
+        std::fprintf(stderr, "%s: %s has no boundary cells\n", file, bscan::PortName(*node));
+        return 1;
+    }
     PrintVector("safe", *device);
     if (device->setPort(pin, PORT_OUT, level) != bscan::kOk) {
         std::fprintf(stderr, "%s: %s cannot drive\n", file, bscan::PortName(*node));
@@ -78,9 +83,11 @@ int main(int argc, char* argv[]) {
     std::printf("          %s at pin %s drives %d\n", bscan::PortName(*node), bscan::PinName(*node),
                 level);
 
-    // A port that can receive lets go again; one of mode "out" refuses, and nothing changes.
+    // A port that can receive lets go again; one of mode "out" refuses, and nothing changes. With a
+    // cell that only observes, the driver stays on although the result is 0.
     if (device->setPort(pin, PORT_IN, SIG_X) == bscan::kOk) {
-        PrintVector("released", *device);
+        const bool drives = device->GetPortDirection(pin) == PORT_OUT;
+        PrintVector(drives ? "observing" : "released", *device);
     }
     return 0;
 }
