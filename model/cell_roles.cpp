@@ -39,15 +39,16 @@ constexpr Mode kModes[] = {
     {"buffer", PORT_BUFFER, Bit(OUTPUT2)},
 };
 
+// What devices have most comes first.
 constexpr Keyword<CellFunction> kFunctions[] = {
     {"INPUT", INPUT},
-    {"CLOCK", CLOCK},
-    {"OUTPUT2", OUTPUT2},
     {"OUTPUT3", OUTPUT3},
     {"CONTROL", CONTROL},
     {"CONTROLR", CONTROLR},
     {"INTERNAL", INTERNAL},
     {"BIDIR", BIDIR},
+    {"OUTPUT2", OUTPUT2},
+    {"CLOCK", CLOCK},
     {"BIDIR_IN", BIDIR_IN},
     {"BIDIR_OUT", BIDIR_OUT},
     {"OBSERVE_ONLY", OBSERVE_ONLY},

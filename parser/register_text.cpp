@@ -30,13 +30,13 @@ using Columns = std::array<std::string_view, kMostColumns>;
 // as an entry may have is one text.
 std::size_t CutColumns(std::string_view text, Columns& columns) {
     std::size_t last = 0;
-    std::size_t begin = 0;
-    for (std::size_t at = 0; at < text.size() && last < kMostColumns - 1; ++at) {
-        if (text[at] != ',') continue;
-        columns[last++] = Trim(text.substr(begin, at - begin));
-        begin = at + 1;
+    while (last < kMostColumns - 1) {
+        const std::size_t comma = text.find(',');
+        if (comma == std::string_view::npos) break;
+        columns[last++] = Trim(text.substr(0, comma));
+        text.remove_prefix(comma + 1);
     }
-    columns[last] = Trim(text.substr(begin));
+    columns[last] = Trim(text);
     return last;
 }
 
@@ -74,19 +74,22 @@ void TakeRemarks(std::string_view& text, std::string_view& remark) {
 // Finds the parenthesis that closes the first one of a text; the text's end when there is none. The
 // first character counts as no parenthesis, so that an entry without a number is an error: its
 // closing parenthesis is found with a depth below 0.
-std::size_t FindClosing(std::string_view text, int& depth) {
-    std::size_t at = 1;
-    for (; at < text.size(); ++at) {
-        if (text[at] == '(') ++depth;
-        if (text[at] == ')' && --depth <= 0) break;
+std::size_t FindClosing(std::string_view text, std::ptrdiff_t& depth) {
+    std::size_t from = 1;
+    for (;;) {
+        const std::size_t closing = text.find(')', from);
+        if (closing == std::string_view::npos) return text.size();
+        const std::string_view before = text.substr(from, closing - from);
+        depth += std::count(before.begin(), before.end(), '(') - 1;
+        if (depth <= 0) return closing;
+        from = closing + 1;
     }
-    return at;
 }
 
 // Takes an entry and the comma behind it off a text that is not empty. An entry without end is
 // dropped.
 Taken TakeEntry(std::string_view& text, RegisterEntry& entry) {
-    int depth = 0;
+    std::ptrdiff_t depth = 0;
     const std::size_t closing = FindClosing(text, depth);
     if (closing >= text.size()) return Taken::kEnd;
     if (depth < 0) return Taken::kError;
