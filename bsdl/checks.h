@@ -26,6 +26,7 @@ Edition EditionOf(const Facts& facts);
 struct TapPort {
     int port;
     const char* name;  // of the signal
+    PortMode mode;     // that the signal wants
     const ElementName* signal;
     bool named_so;  // the port is called like the signal
     bool told;      // the attribute has been found wrong
@@ -43,6 +44,7 @@ struct Checks {
     int instruction_length = 0;      // that which the opcodes have, when the file's is wrong
     int boundary_length = 0;         // likewise by the cells
     NameIndex missing_instructions;  // told already
+    bool instruction_twice = false;  // another one, whose name was meant, may be missing
     std::vector<TapPort> tap_ports;
 };
 

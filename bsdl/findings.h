@@ -83,6 +83,7 @@ enum class Rule {
     kPackageUndefined,
     kPackageUnknown,
     kPinMapMissing,
+    kPinMapAttributeMissing,
     kPinCount,
     kPinListOfScalar,
     kPinTwice,

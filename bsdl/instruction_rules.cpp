@@ -165,6 +165,7 @@ private:
             checks_.found.Add(Rule::kInstructionRepeated, instruction.name, message,
                               "leave it out");
         } else {
+            checks_.instruction_twice = true;
             checks_.found.Add(Rule::kInstructionTwice, instruction.name,
                               message + ", with another opcode",
                               "write all opcodes of an instruction in one list");
@@ -262,7 +263,8 @@ void ReportMissingInstruction(Checks& checks, Rule rule, std::string_view name, 
 
 void ReportUnknownInstruction(Checks& checks, Rule rule, const Word& name,
                               std::string_view attribute) {
-    if (checks.doubts.instructions || checks.facts.instructions.empty()) return;
+    if (checks.doubts.instructions || checks.instruction_twice) return;
+    if (checks.facts.instructions.empty()) return;
     // One that is missing among the opcodes has been told already; a second use is the same fault.
     if (checks.instructions.Has(name.text) || checks.missing_instructions.Has(name.text)) return;
     checks.missing_instructions.Add(name.text);

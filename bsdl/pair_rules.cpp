@@ -16,8 +16,8 @@ public:
     void Check(const PortPair& pair) {
         const int positive = checks_.ports.Resolve(pair.positive, kPairSubject);
         const int negative = checks_.ports.Resolve(pair.negative, kPairSubject);
-        CheckUnique(pair.positive, positive);
-        CheckUnique(pair.negative, negative);
+        // A pair that stands twice is told once.
+        if (CheckUnique(pair.positive, positive)) CheckUnique(pair.negative, negative);
         if (positive == PortReferences::kNone || negative == PortReferences::kNone) return;
         if (CheckShape(pair, positive, negative)) CheckModes(pair, positive, negative);
     }
@@ -55,18 +55,19 @@ private:
         }
     }
 
-    void CheckUnique(const ElementName& leg, int port) {
-        if (port == PortReferences::kNone) return;
+    bool CheckUnique(const ElementName& leg, int port) {
+        if (port == PortReferences::kNone) return true;
         std::string name(leg.port.text);
         if (leg.index) name += "(" + std::to_string(*leg.index) + ")";
         const auto number = static_cast<std::size_t>(legs_.Add(name));
         if (number == places_.size()) {
             places_.push_back(&leg);
-            return;
+            return true;
         }
         checks_.found.Add(Rule::kPairLegTwice, leg.port,
                           Quoted(leg) + " is a leg of a pair in line " +
                               std::to_string(places_[number]->port.line) + " already");
+        return false;
     }
 
     Checks& checks_;

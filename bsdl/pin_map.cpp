@@ -114,7 +114,7 @@ void PinMapReader::ReadPin(PinMapEntry& entry) {
 
 void PinMapReader::ReadPins(PinMapEntry& entry) {
     cut_pins_.clear();
-    list_opened_ = list_.Current().Is('(');
+    list_opened_ = list_.Current().Is('(') || list_.Current().Is('[');
     if (!list_opened_) return ReadPin(entry);
     list_.Open();
     do {

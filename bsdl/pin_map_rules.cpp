@@ -201,6 +201,19 @@ void CheckDefaultPackage(Checks& checks) {
                      "write " + Quoted(meant));
 }
 
+void CheckPinMapAttribute(Checks& checks) {
+    const Facts& facts = checks.facts;
+    const bool has =
+        std::any_of(facts.others.begin(), facts.others.end(), [](const OtherStatement& other) {
+            return !other.is_constant && EqualIgnoringCase(other.value, "PHYSICAL_PIN_MAP");
+        });
+    if (has) return;
+    checks.found.Add(Rule::kPinMapAttributeMissing, facts.pin_maps.front().name,
+                     "no attribute PIN_MAP tells how the package is chosen",
+                     "write `attribute PIN_MAP of " + std::string(facts.entity.text) +
+                         " : entity is PHYSICAL_PIN_MAP;`");
+}
+
 }  // namespace
 
 void CheckPackages(Checks& checks) {
@@ -211,6 +224,7 @@ void CheckPackages(Checks& checks) {
                          "write a constant of type PIN_MAP_STRING for each package");
         return;
     }
+    CheckPinMapAttribute(checks);
     if (facts.default_package.Exists()) {
         CheckDefaultPackage(checks);
     } else if (!facts.generic.Exists()) {

@@ -90,10 +90,15 @@ void TakeRange(SourceReader& source, Port& port) {
     }
     // "bit_vector 0 to 7)"
     const Token& token = lexer.Current();
-    const bool number = token.IsWord() && ParseInteger(token.word.text).has_value();
-    if (!number || !EqualIgnoringCase(port.type.text, kVector)) return;
-    FindMissing(source.reading, Rule::kParenthesisMissing, lexer.Last(), "(");
-    ReadPortRange(source, port, {});
+    if (!EqualIgnoringCase(port.type.text, kVector)) return;
+    if (token.IsWord() && ParseInteger(token.word.text).has_value()) {
+        FindMissing(source.reading, Rule::kParenthesisMissing, lexer.Last(), "(");
+        return ReadPortRange(source, port, {});
+    }
+    source.reading.found.Add(Rule::kRangeMalformed, port.type,
+                             "the vector " + Quoted(port.name.text) + " has no range",
+                             "write one such as `(0 to 7)` behind `bit_vector`");
+    source.reading.doubts.ports = true;
 }
 
 // ":= '0'"

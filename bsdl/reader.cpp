@@ -215,6 +215,8 @@ void ReadText(Reading& reading) {
     while (!ended && !source.lexer.Current().IsEnd()) ended = !ReadStatement(source);
     if (ended) {
         ReadEnd(source);
+    } else if (!reading.facts.register_attribute.Exists()) {
+        FindTextEnd(source);
     } else if (!source.text_ended) {
         reading.found.Add(Rule::kEndMissing, Behind(source.lexer.Last()),
                           "the text ends before the entity does",

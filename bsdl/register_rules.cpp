@@ -80,8 +80,8 @@ private:
         if (access.length && *access.length != known.length) {
             checks_.found.Add(Rule::kRegisterLength, access.name,
                               "the register " + Quoted(access.name) + " has " +
-                                  std::to_string(known.length) + " bits, not " +
-                                  std::to_string(*access.length),
+                                  Counted(static_cast<std::size_t>(known.length), "bit") +
+                                  ", not " + std::to_string(*access.length),
                               "write `" + std::string(access.name.text) + "[" +
                                   std::to_string(known.length) + "]`");
         } else if (known.length == 0 && known.first == &access && access.name.Exists() &&

@@ -37,7 +37,22 @@ bool CutLength(ListReader& list, RegisterAccess& access) {
 }
 
 // "[9]" behind the name of a register.
+// "(16)" before the list of instructions.
+bool HasLengthInParentheses(const ListReader& list) {
+    if (!list.Current().Is('(') || !ParseInteger(list.Next().word.text)) return false;
+    ValueLexer ahead = list.Ahead();
+    ahead.Advance();
+    ahead.Advance();
+    return ahead.Current().Is(')') && ahead.Next().Is('(');
+}
+
 void ReadRegisterLength(ListReader& list, RegisterAccess& access) {
+    if (HasLengthInParentheses(list)) {
+        FindInstead(list.GetReading(), Rule::kParenthesisMissing, list.Current().word, "[");
+        list.Advance();
+        access.length = list.TakeInteger();
+        return list.Advance();
+    }
     const bool unopened = list.Current().IsWord() && list.Next().Is(']');
     if (CutLength(list, access) || (!list.Current().Is('[') && !unopened)) return;
     list.Expect('[', Rule::kParenthesisMissing);

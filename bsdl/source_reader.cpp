@@ -28,14 +28,6 @@ bool IsAssignment(Lexer ahead) {
     return ahead.Current().Is('=');
 }
 
-// The text ends within a statement. What it would have said behind that is not known.
-void FindTextEnd(SourceReader& source) {
-    if (std::exchange(source.text_ended, true)) return;
-    source.reading.found.Add(Rule::kTextEnds, Behind(source.lexer.Last()),
-                             "the text ends within a declaration", "");
-    source.reading.doubts.statements = true;
-}
-
 }  // namespace
 
 bool BeginsDeclaration(const Lexer& lexer) {
@@ -75,6 +67,13 @@ std::string_view TextBehind(const Word& word, const Lexer& lexer) {
     const char* const end = lexer.Last().text.data();
     return end < begin ? std::string_view()
                        : std::string_view(begin, static_cast<std::size_t>(end - begin));
+}
+
+void FindTextEnd(SourceReader& source) {
+    if (std::exchange(source.text_ended, true)) return;
+    source.reading.found.Add(Rule::kTextEnds, Behind(source.lexer.Last()),
+                             "the text ends within the description", "");
+    source.reading.doubts.statements = true;
 }
 
 void EndStatement(SourceReader& source) {

@@ -54,6 +54,9 @@ struct SourceReader {
 // Reads up to the semicolon that ends a statement, and takes it. False when there is no value.
 bool ReadValue(SourceReader& source);
 
+// Tells that the text ends too early. What it would have said behind that is not known.
+void FindTextEnd(SourceReader& source);
+
 // Takes the semicolon that ends a statement; one that is missing is found fault with.
 void EndStatement(SourceReader& source);
 

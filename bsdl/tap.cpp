@@ -127,6 +127,10 @@ void ReadCompliancePatterns(SourceReader& source, const Attribute& attribute) {
         FindSurplus(source.reading, Rule::kParenthesisSurplus, list.Current().word);
         list.Advance();
     }
+    if (list.AtEnd()) {
+        FindValueMissing(source.reading, list.Last());
+        return;
+    }
     list.Open();
     do {
         const Word pattern = list.TakeBits();

@@ -1,8 +1,10 @@
 // Rules about the test access port.
 
 #include "bsdl/checks.h"
+#include "bsdl/number.h"
 #include "support/text_view.h"
 
+#include <algorithm>
 #include <string>
 
 namespace bscan::detail {
@@ -35,6 +37,14 @@ bool IsWider(PortMode mode, PortMode wanted) {
     return mode == PortMode::kInout || (wanted == PortMode::kOut && mode == PortMode::kBuffer);
 }
 
+// Whether the mode was found wrong before, for another port of the same list.
+bool IsModeTold(const Checks& checks, const TapRow& row, const Word& mode) {
+    return std::any_of(checks.tap_ports.begin(), checks.tap_ports.end(), [&](const TapPort& other) {
+        const Word& word = checks.ports.At(other.port).mode_word;
+        return other.named_so && other.mode == row.mode && word.text.data() == mode.text.data();
+    });
+}
+
 // Either the port or the attribute is wrong: a port that is called like the signal has the wrong
 // mode; otherwise the attribute names the wrong port.
 void CheckMode(Checks& checks, const TapRow& row, TapPort& tap) {
@@ -44,6 +54,7 @@ void CheckMode(Checks& checks, const TapRow& row, TapPort& tap) {
                                 ", but its mode is " + Quoted(port.mode_word);
     const Rule rule = IsWider(port.mode, row.mode) ? Rule::kTapPortWide : Rule::kTapPortMode;
     if (tap.named_so) {
+        if (IsModeTold(checks, row, port.mode_word)) return;
         checks.found.Add(rule, port.mode_word, message,
                          std::string("write `") + row.mode_name + "`");
     } else {
@@ -71,7 +82,8 @@ void CheckSignal(Checks& checks, const TapRow& row) {
     }
     const int number = checks.ports.ResolveElement(signal, kTapSubject);
     if (number == PortReferences::kNone) return;
-    TapPort tap{number, row.name, &signal, IsNamedSo(checks.ports.At(number), row), false};
+    TapPort tap{number, row.name, row.mode, &signal, IsNamedSo(checks.ports.At(number), row),
+                false};
     CheckMode(checks, row, tap);
     checks.tap_ports.push_back(tap);
 }
@@ -95,6 +107,7 @@ void CheckFrequency(Checks& checks) {
     const TapSignals& tap = checks.facts.tap;
     if (!tap.tck.port.Exists() || tap.max_frequency > 0 || checks.doubts.tap) return;
     const bool is_told = tap.frequency_word.Exists();
+    if (is_told && !ParseReal(tap.frequency_word.text)) return;  // the reader has told
     checks.found.Add(Rule::kTapFrequency, is_told ? tap.frequency_word : tap.tck.port,
                      "the greatest frequency of " + Quoted(tap.tck) +
                          (is_told ? " is " + Quoted(tap.frequency_word) + " Hz" : " is missing"),

@@ -22,6 +22,12 @@ constexpr TextRow kTexts[] = {
 }  // namespace
 
 void ReadTextValue(SourceReader& source, const Attribute& attribute) {
+    if (!source.value.quoted) {
+        const Word& begin = source.value.begin;
+        source.reading.found.Add(Rule::kStringNotOpened, begin,
+                                 "`\"` is missing before " + Quoted(begin.text),
+                                 "write the text in double quotes");
+    }
     for (const TextRow& row : kTexts) {
         if (row.attribute != attribute.standard_name) continue;
         source.reading.facts.*row.text = JoinedText(source.value, source.reading.joined);

@@ -41,6 +41,11 @@ bool GoesOn(const Lexer& behind) {
     return !next.IsEnd() && !next.Is(';') && !next.Is('&') && !BeginsDeclaration(behind);
 }
 
+bool IsQuoteNext(Lexer ahead) {
+    ahead.Advance();
+    return ahead.Current().kind == TokenKind::kQuote;
+}
+
 // The quote in one of the next lines that closes a string; kNone when a declaration comes first.
 std::size_t FindClosingQuote(std::string_view text) {
     std::size_t at = FirstLine(text).size();
@@ -232,6 +237,10 @@ void ValueReader::ReadJoint() {
     }
     if (has_bracket_ && lexer_.Current().Is(')')) Advance();
     const Word mark = lexer_.Current().word;
+    if (lexer_.Current().Is(';') && IsQuoteNext(lexer_)) {
+        FindInstead(reading_, Rule::kAmpersandMissing, mark, "&");
+        return Advance();
+    }
     if (!lexer_.Current().Is('&')) {
         if (AtQuote() && !lacks_quote_) {
             FindMissing(reading_, Rule::kAmpersandMissing, lexer_.Last(), "&");
@@ -245,6 +254,10 @@ void ValueReader::ReadJoint() {
         Advance();
     }
     if (!AtEnd()) return;
+    if (lexer_.Current().IsEnd()) {
+        value_.doubtful = true;  // with the text; the end of the statement tells
+        return;
+    }
     breaks_off_ = true;
     reading_.found.Add(Rule::kAmpersandSurplus, mark, "nothing follows the last `&` of the value",
                        "write `;` instead");
@@ -254,7 +267,7 @@ void ValueReader::ReadJoint() {
 // Reads text up to a quote that looks as if it closed a string; false when there is no such quote
 // in the line.
 bool ValueReader::ReadUnopenedString() {
-    const Word begin = lexer_.Current().word;
+    Word begin = lexer_.Current().word;
     if (begin.line == line_without_quote_) return false;
     const char* const rest = lexer_.Rest().data();
     const std::string_view line =
@@ -262,10 +275,17 @@ bool ValueReader::ReadUnopenedString() {
     const std::size_t quote = line.find('"');
     if (quote == kNone) line_without_quote_ = begin.line;
     if (quote == kNone || !FollowsString(line.substr(quote + 1))) return false;
-    const std::string_view text = line.substr(0, quote);
+    std::string_view text = line.substr(0, quote);
     if (Contains(text, "--") || Contains(text, ';') || Contains(text, '&')) return false;
-    reading_.found.Add(Rule::kStringNotOpened, begin, "`\"` is missing before " + Quoted(text),
-                       "write `\"` before it");
+    if (text.starts_with('\'')) {
+        FindInstead(reading_, Rule::kStringNotOpened, {text.substr(0, 1), begin.line, begin.column},
+                    "\"");
+        text.remove_prefix(1);
+        ++begin.column;
+    } else {
+        reading_.found.Add(Rule::kStringNotOpened, begin, "`\"` is missing before " + Quoted(text),
+                           "write `\"` before it");
+    }
     value_.quoted = true;
     Append(text, begin);
     lexer_.Skip(static_cast<std::size_t>(line.data() + quote + 1 - rest));
