@@ -97,7 +97,7 @@ class HardwareTest(unittest.TestCase):
         broken.setUp()
         self.addCleanup(broken.doCleanups)
         broken.simulate(*BOARD, "--stuck", "N1=0")
-        result = broken.live("run", steps)
+        result = broken.live("run", *(word for step in STEPS.splitlines() for word in ("--do", step)))
         self.assertEqual(result.returncode, 1)
         self.assertIn("U2.RST_N (pin C2): wanted 1, seen 0", result.stdout)
 

@@ -75,7 +75,7 @@ struct LiveOptions {
     LiveAction action = LiveAction::kRead;
     std::vector<std::string> pins;  ///< or requests
     double hold = 1;                ///< seconds
-    std::string steps;
+    StepOptions steps;
     int every = 200;  ///< milliseconds
     long long count = 0;
     std::string vcd;

@@ -9,6 +9,7 @@
 #include "openocd_process.h"
 #include "openocd_text.h"
 #include "printable.h"
+#include "step_text.h"
 #include "table.h"
 #include "terminal.h"
 #include "vcd.h"
@@ -129,12 +130,9 @@ private:
     }
 
     // A step in words is read where all steps are read.
-    bool ParseOrComplain(const std::string& text, const std::string& source,
-                         bscan::Steps& steps) const {
-        steps = bscan::ParseSteps(chain_, text);
-        for (const bscan::StepFault& fault : steps.faults) {
-            Complain(fmt::format("{}:{}: {}", source, fault.line, fault.message));
-        }
+    bool ParseOrComplain(const StepText& text, bscan::Steps& steps) const {
+        steps = bscan::ParseSteps(chain_, text.text);
+        TellFaults(steps.faults, text.source, Complain);
         return steps.result.Ok();
     }
 
@@ -142,7 +140,7 @@ private:
         std::string text = "drive";
         for (const std::string& request : options_.pins) text += ' ' + request;
         bscan::Steps steps;
-        if (!ParseOrComplain(text, "drive", steps)) return kProblem;
+        if (!ParseOrComplain({text, "drive"}, steps)) return kProblem;
         const ChainResult result = live_.Drive(steps.steps.front().pins);
         if (!result.Ok()) return Complain(result.reason);
         TellSharers();
@@ -165,16 +163,12 @@ private:
     }
 
     int RunSteps() {
-        std::ifstream stream(options_.steps, std::ios::binary);
-        std::istream& input = options_.steps == "-" ? std::cin : stream;
-        const std::string text(std::istreambuf_iterator<char>(input), {});
-        if (!input) return Complain("cannot read " + options_.steps);
+        const std::optional<StepText> text = ReadSteps(options_.steps, Complain);
+        if (!text) return kProblem;
         bscan::Steps steps;
-        if (!ParseOrComplain(text, options_.steps, steps)) return kProblem;
+        if (!ParseOrComplain(*text, steps)) return kProblem;
         const bscan::ScanProgram program = bscan::PlanSteps(chain_, steps.steps);
-        for (const bscan::StepFault& fault : program.faults) {
-            Complain(fmt::format("{}:{}: {}", options_.steps, fault.line, fault.message));
-        }
+        TellFaults(program.faults, text->source, Complain);
         if (!program.result.Ok()) return kProblem;
         for (const std::string& note : program.notes) Complain("note: " + note);
         int failures = 0;
@@ -182,7 +176,7 @@ private:
             program, [](const bscan::ScanOperation&) { return !Interrupted(); },
             [&](const bscan::ScanOperation& operation, const bscan::FailedCheck& check) {
                 ++failures;
-                TellFailure(steps, operation, check);
+                TellFailure(steps, text->source, operation, check);
             });
         if (!result.Ok()) return Complain(result.reason);
         if (Interrupted()) return Complain("interrupted; the pins are free again");
@@ -192,13 +186,13 @@ private:
         return failures == 0 ? kSuccess : kProblem;
     }
 
-    void TellFailure(const bscan::Steps& steps, const bscan::ScanOperation& operation,
-                     const bscan::FailedCheck& check) const {
+    void TellFailure(const bscan::Steps& steps, const std::string& source,
+                     const bscan::ScanOperation& operation, const bscan::FailedCheck& check) const {
         const bool known = operation.step >= 0;
         const bscan::Step step =
             known ? steps.steps[static_cast<std::size_t>(operation.step)] : bscan::Step();
         const std::string where =
-            known ? fmt::format("{}:{}: {}: ", options_.steps, step.line, step.text) : "";
+            known ? fmt::format("{}:{}: {}: ", source, step.line, step.text) : "";
         if (check.pin.device < 0) {
             Complain(where + "the IDCODE is not that of " + chain_.Device(check.device).name);
             return;

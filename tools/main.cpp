@@ -134,11 +134,15 @@ void AddChain(CLI::App* command, ChainOptions& options) {
         ->type_name("PATH");
 }
 
-void AddSteps(CLI::App* command, StepOptions& options) {
+void AddDo(CLI::App* command, StepOptions& options) {
     command->add_option("--do", options.steps, "A step; may be repeated")
         ->type_name("STEP")
         ->expected(1)
         ->take_all();
+}
+
+void AddSteps(CLI::App* command, StepOptions& options) {
+    AddDo(command, options);
     command->add_option("--steps", options.file, "A file of steps; - for standard input")
         ->type_name("PATH");
 }
@@ -207,9 +211,9 @@ void AddLive(CLI::App& app, LiveOptions& options) {
         ->check(CLI::NonNegativeNumber.description(""))
         ->type_name("SECONDS");
     CLI::App* run = add("run", "Play steps and tell what is not as expected", LiveAction::kRun);
-    run->add_option("STEPS", options.steps, "A file of steps; - for standard input")
-        ->required()
+    run->add_option("STEPS", options.steps.file, "A file of steps; - for standard input")
         ->type_name("");
+    AddDo(run, options.steps);
     CLI::App* watch = add("watch", "Follow levels under SAMPLE", LiveAction::kWatch);
     watch->add_option("PIN", options.pins, "Pins; all without one")->type_name("");
     watch->add_option("--every", options.every, "Time between two looks (200)")

@@ -5,35 +5,17 @@
 #include "commands.h"
 #include "printable.h"
 #include "scan_text.h"
+#include "step_text.h"
 
 #include <fmt/format.h>
 
 #include <fstream>
-#include <iostream>
-#include <iterator>
 
 namespace tool {
 namespace {
 
 void Complain(const std::string& message) {
     Write(stderr, fmt::format("bscan svf: {}\n", message));
-}
-
-std::optional<std::string> ReadText(const std::string& path) {
-    if (path == "-") return std::string(std::istreambuf_iterator<char>(std::cin), {});
-    std::ifstream stream(path, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    return stream ? std::optional(std::move(text)) : std::nullopt;
-}
-
-void Report(const std::vector<bscan::StepFault>& faults, const std::string& source) {
-    for (const bscan::StepFault& fault : faults) {
-        std::string text;
-        if (fault.line > 0) text += fmt::format("{}:{}: ", source, fault.line);
-        if (!fault.step.empty()) text += fmt::format("{}: ", fault.step);
-        text += fault.message;
-        Complain(Printable(text));
-    }
 }
 
 // A capture is BITS or a file with them, behind DEVICE= in a chain of several.
@@ -51,7 +33,7 @@ bool TakeSample(const bscan::Chain& chain, const std::string& text,
     const std::string source = equals == std::string::npos ? text : text.substr(equals + 1);
     std::optional<Capture> capture = ParseCapture(source);
     if (!capture) {
-        const std::optional<std::string> content = ReadText(source);
+        const std::optional<std::string> content = ReadWhole(source);
         if (content) capture = ParseCapture(*content);
     }
     const int length = driver->Device().GetBScanLength();
@@ -80,34 +62,15 @@ bool WriteFile(const std::string& path, const std::string& text) {
     return static_cast<bool>(stream);
 }
 
-struct StepText {
-    std::string text;
-    std::string source;  // how faults name it
-};
-
-std::optional<StepText> StepsOf(const StepOptions& options) {
-    StepText steps{"", "step"};
-    if (!options.file.empty()) {
-        std::optional<std::string> text = ReadText(options.file);
-        if (!text) {
-            Complain(fmt::format("cannot read {}", Printable(options.file)));
-            return std::nullopt;
-        }
-        steps = {std::move(*text) + '\n', options.file};
-    }
-    for (const std::string& step : options.steps) steps.text += step + '\n';
-    return steps;
-}
-
 }  // namespace
 
 int Svf(const SvfOptions& options) {
     LoadedChain loaded;
     if (!LoadChain("svf", options.chain, loaded)) return kProblem;
-    const std::optional<StepText> text = StepsOf(options.steps);
+    const std::optional<StepText> text = ReadSteps(options.steps, Complain);
     if (!text) return kProblem;
     const bscan::Steps steps = bscan::ParseSteps(loaded.chain, text->text);
-    Report(steps.faults, text->source);
+    TellFaults(steps.faults, text->source, Complain);
     if (!steps.result.Ok()) return kProblem;
 
     bscan::ProgramOptions program_options;
@@ -116,7 +79,7 @@ int Svf(const SvfOptions& options) {
         if (!TakeSample(loaded.chain, sample, program_options)) return kProblem;
     }
     const bscan::ScanProgram program = bscan::PlanSteps(loaded.chain, steps.steps, program_options);
-    Report(program.faults, text->source);
+    TellFaults(program.faults, text->source, Complain);
     if (!program.result.Ok()) return kProblem;
     for (const std::string& note : program.notes) {
         Complain(fmt::format("note: {}", Printable(note)));
