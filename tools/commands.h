@@ -4,6 +4,7 @@
 #include "chain_file.h"
 #include "device.h"
 #include "output.h"
+#include "scan_text.h"
 
 #include <cstdint>
 #include <string>
@@ -22,6 +23,7 @@ struct ShowOptions {
     bool pins = false;
     bool cells = false;
     bool instructions = false;
+    bool all = false;  ///< the attributes that have no place elsewhere, too
     Format format = Format::kTable;
 };
 int Show(const ShowOptions& options);
@@ -29,14 +31,16 @@ int Show(const ShowOptions& options);
 struct DriveOptions {
     DeviceFile file;
     std::vector<std::string> requests;
+    CaptureOptions capture;  ///< what to start from instead of safe values
+    bool force = false;      ///< drive pins that an error makes doubtful, too
     Format format = Format::kTable;
 };
 int Drive(const DriveOptions& options);
 
 struct ObserveOptions {
     DeviceFile file;
-    std::string capture;
-    std::string capture_file;
+    CaptureOptions capture;
+    bool force = false;  ///< tell pins that an error makes doubtful, too
     Format format = Format::kTable;
 };
 int Observe(const ObserveOptions& options);

@@ -82,34 +82,47 @@ void AddShow(CLI::App& app, ShowOptions& options) {
     command->add_flag("--pins", options.pins, "Print the ports with their pins and cells");
     command->add_flag("--cells", options.cells, "Print the boundary register");
     command->add_flag("--instructions", options.instructions, "Print the instructions");
+    command->add_flag("--all", options.all, "Print every other attribute, too");
     AddFormat(command, options.format);
 }
 
+void AddCapture(CLI::App* command, CaptureOptions& options, const std::string& purpose) {
+    CLI::Option* bits = command->add_option("--capture", options.bits,
+                                            purpose + ": 0, 1 and x, cell 0 first; or hex:DIGITS");
+    CLI::Option* file = command->add_option("--capture-file", options.file,
+                                            "A text file with it; - for standard input");
+    bits->type_name("BITS")->excludes(file);
+    file->type_name("PATH");
+}
+
 void AddDrive(CLI::App& app, DriveOptions& options) {
-    CLI::App* command = AddCommand(app, "drive", "Print the scan vector that drives pins",
-                                   "bscan drive device.bsd A1=0 'D(3)=1' READY=Z\n"
-                                   "\n"
-                                   "A pin is looked for by designator (B3), then by port (D(3), or "
-                                   "D for all of D), then\n"
-                                   "by number; pin:, port: or number: in front asks for one of "
-                                   "these alone.");
+    CLI::App* command = AddCommand(
+        app, "drive", "Print the scan vector that drives pins",
+        "bscan drive device.bsd A1=0 'D(3)=1' READY=Z D=0x5A 'D(3..0)=Z' 'IO*=1'\n"
+        "\n"
+        "A pin is looked for by designator (B3), then by port (D for all of a vector, D(3) or\n"
+        "D(3..0) by declared index, IO* for all ports whose names fit), then by number;\n"
+        "pin:, port: or number: in front asks for one of these alone.\n"
+        "The bits of a number are for the elements of one vector: the most significant one for\n"
+        "the left end as declared, or of the range.");
     AddDeviceFile(command, options.file);
-    command->add_option("PIN=LEVEL", options.requests, "A pin, and 0, 1, or Z to release it")
+    command
+        ->add_option("PIN=LEVEL", options.requests,
+                     "A pin, and 0, 1, a number (0x5A, 0b1010), or Z to release it")
         ->required()
         ->type_name("");
+    AddCapture(command, options.capture, "What to start from instead of safe values");
+    command->add_flag("--force", options.force, "Drive pins that an error makes doubtful, too");
     AddFormat(command, options.format);
 }
 
 void AddObserve(CLI::App& app, ObserveOptions& options) {
     CLI::App* command = AddCommand(app, "observe", "Print what the ports show in a capture",
-                                   "bscan observe device.bsd --capture 0110x01");
+                                   "bscan observe device.bsd --capture 0110x01\n"
+                                   "  bscan observe device.bsd --capture hex:48c18c00");
     AddDeviceFile(command, options.file);
-    CLI::Option* bits = command->add_option("--capture", options.capture,
-                                            "The captured bits: 0, 1 and x, cell 0 first");
-    CLI::Option* file = command->add_option("--capture-file", options.capture_file,
-                                            "A text file with them; - for standard input");
-    bits->type_name("BITS")->excludes(file);
-    file->type_name("PATH");
+    AddCapture(command, options.capture, "The captured bits");
+    command->add_flag("--force", options.force, "Tell pins that an error makes doubtful, too");
     AddFormat(command, options.format);
 }
 
