@@ -50,15 +50,14 @@ DeclaredModes ModesOf(const Device& device) {
 }
 
 std::vector<std::string> CellTypes(const Device& device) {
-    std::vector<std::string> types(static_cast<std::size_t>(device.map().GetBScanLength()));
+    std::vector<std::string> types;
+    for (const LBScanCell* cell : CellsOf(device.map())) {
+        types.emplace_back(Word(cell->GetBScanCellType()));
+    }
     for (const bscan::Cell& cell : device.facts().cells) {
         if (cell.number < 0 || cell.number >= device.map().GetBScanLength()) continue;
         std::string& type = types[static_cast<std::size_t>(cell.number)];
-        if (type.empty()) type = cell.type.text;
-    }
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        const LBScanCell& cell = device.map().GetBScanCellTable()[i];
-        if (types[i].empty()) types[i] = Word(cell.GetBScanCellType());
+        if (type == "unknown" && cell.type.Exists()) type = cell.type.text;
     }
     return types;
 }
@@ -98,7 +97,7 @@ Table PinTable(const Device& device) {
 Table CellTable(const Device& device) {
     Table table{{{"cell", "Cell"},
                  {"type", "Model's type", Audience::kPrograms},
-                 {"declared_type", "Type"},
+                 {"type_name", "Type"},
                  {"port", "Port"},
                  {"function", "Function"},
                  {"safe", "Safe"},

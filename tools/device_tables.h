@@ -24,7 +24,7 @@ using DeclaredModes = std::unordered_map<std::string_view, std::string>;
 DeclaredModes ModesOf(const Device& device);
 /// The mode of an element's port: the declared one, or else that of the model.
 std::string ModeOf(const Element& element, const DeclaredModes& modes);
-/// The types of the cells, from cell 0, as the file writes them; else those of the model.
+/// The types of the cells, from cell 0; one that the model does not know as the file calls it.
 std::vector<std::string> CellTypes(const Device& device);
 
 Table PinTable(const Device& device);

@@ -48,6 +48,16 @@ Doubts::Doubts(const Device& device) {
     for (const bscan::Finding& finding : device.description()->Findings()) {
         if (finding.severity == bscan::Severity::kError) Take(*device.description(), finding);
     }
+    SpreadOverControlled(facts);
+}
+
+// Who turns a driver on concerns what it drives.
+void Doubts::SpreadOverControlled(const bscan::Facts& facts) {
+    for (const bscan::Cell& cell : facts.cells) {
+        const bscan::Finding* const finding = FindIn(cells_, cell.control);
+        if (finding == nullptr) continue;
+        if (cell.port.port.Exists()) ports_.emplace(Label(cell.port), finding);
+    }
 }
 
 void Doubts::AddSpan(const bscan::Word& word, std::vector<std::string> ports, int cell) {
@@ -136,12 +146,7 @@ const bscan::Finding* Doubts::Of(const Element& element) const {
     if (found == nullptr) found = FindIn(ports_, Upper(element.Label()));
     if (found == nullptr) found = FindIn(pins_, element.pin);
     for (const LBScanCell* cell : CellsOf(*element.node)) {
-        if (found != nullptr) break;
-        found = FindIn(cells_, cell->GetBoundaryCellPosition());
-        const LBScanCell* control = cell->GetControlCell();
-        if (found == nullptr && control != nullptr) {
-            found = FindIn(cells_, control->GetBoundaryCellPosition());
-        }
+        if (found == nullptr) found = FindIn(cells_, cell->GetBoundaryCellPosition());
     }
     return found;
 }

@@ -38,6 +38,7 @@ private:
     void AddPinMaps(const bscan::Facts& facts, const std::string& package);
     void AddCells(const bscan::Facts& facts);
     void AddOthers(const bscan::Facts& facts);
+    void SpreadOverControlled(const bscan::Facts& facts);
     void Take(const bscan::Description& description, const bscan::Finding& finding);
 
     std::vector<Span> spans_;  // in the order of the text

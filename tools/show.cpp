@@ -23,6 +23,10 @@ struct Section {
     Table table;
 };
 
+Section OtherAttributes(const Device& device) {
+    return {"attributes", "Other attributes", AttributeTable(device)};
+}
+
 std::vector<Section> ChosenSections(const Device& device, const ShowOptions& options) {
     std::vector<Section> sections;
     if (options.pins) sections.push_back({"pins", "Pins", PinTable(device)});
@@ -30,6 +34,7 @@ std::vector<Section> ChosenSections(const Device& device, const ShowOptions& opt
     if (options.instructions) {
         sections.push_back({"instructions", "Instructions", InstructionTable(device)});
     }
+    if (options.all && !sections.empty()) sections.push_back(OtherAttributes(device));
     return sections;
 }
 
@@ -37,7 +42,7 @@ std::vector<Section> SummarySections(const Device& device, bool all) {
     std::vector<Section> sections{{"instructions", "Instructions", InstructionTable(device)},
                                   {"registers", "Register access", RegisterTable(device)},
                                   {"pairs", "Differential pairs", PairTable(device)}};
-    if (all) sections.push_back({"attributes", "Other attributes", AttributeTable(device)});
+    if (all) sections.push_back(OtherAttributes(device));
     return sections;
 }
 
