@@ -38,6 +38,7 @@ GOLDEN_RUNS = [
     ("drive_hub.txt", 1, ["drive", HUB, "TX0_P=1", "B3=0", "35=1", "D(7)=1", "INT_N=1", "INT_N=0",
                           "phase=1", "number:25=1", "LANE_N=Z", "RST_N=Z", "RST_N=1", "X9=1"]),
     ("drive_bus_json.txt", 0, ["drive", BUS, "A[0]=1", "port:B(2)=0", "READY=z", "pin:9=Z", "--json"]),
+    ("show_all_hub_json.txt", 0, ["show", HUB, "--all", "--instructions", "--json"]),
     ("observe_bus.txt", 0, ["observe", BUS, "--capture", "10x01110_10101010_01011_1"]),
     ("diff.csv", 1, ["diff", HUB, "changed.bsd", "--format", "csv"]),
     ("draw_bus.svg", 0, ["draw", BUS, "-"]),
@@ -100,7 +101,12 @@ class ToolTest(unittest.TestCase):
                        ("TX0_N   : A6", "TX0_N   : A5"),
                        ("17 (BC_1, RST_N, input, X)", "17 (BC_4, RST_N, clock, X)"),
                        ("100001", "100011"), ("INT_N   : out", "INT_N   : inout"),
-                       ("USERCODE  (000011)", "USER      (000011)"))
+                       ("USERCODE  (000011)", "USER      (000011)"),
+                       ("(IDCODE, USERCODE)", "(IDCODE, USER)"),
+                       ("attribute USERCODE_REGISTER", "attribute USER_REGISTER"),
+                       ("(TEST_EN) (1)", "(TEST_EN) (0)"), ("50.0e6, LOW", "40.0e6, BOTH"),
+                       ('"0010" &', '"0011" &'), ('IVATE of LINK_HUB : entity is "FACTORY"',
+                                                  'IVATE of LINK_HUB : entity is "LINK_STAT"'))
         for name, status, args in GOLDEN_RUNS:
             with self.subTest(name):
                 result = run(*args, cwd=self.folder)
@@ -126,16 +132,108 @@ class ToolTest(unittest.TestCase):
         for old, new, code, _ in BROKEN:
             with self.subTest(new=new):
                 path = self.write_hub("broken.bsd", (old, new))
-                result = run("show", path)
+                result = run("show", path, "--lines")
                 if code is None:
                     self.assertEqual((result.returncode, result.stderr), (0, ""))
                     continue
                 self.assertEqual((result.returncode, result.stdout), (1, ""))
                 self.assertRegex(result.stderr.splitlines()[0], rf"broken\.bsd:\d+: .+ \({code}\)$")
                 self.assertIn(f"'bscan check {path}' tells", result.stderr)
-        self.assertEqual(run("show", self.folder).returncode, 1)
-        result = run("show", "none.bsd")
-        self.assertRegex(result.stderr, r"^none\.bsd: .+ \(-10\)\n")
+        for lines in ([], ["--lines"]):
+            self.assertEqual(run("show", self.folder, *lines).returncode, 1)
+            result = run("show", "none.bsd", *lines)
+            self.assertRegex(result.stderr, r"^none\.bsd: .+ \(-10\)\n")
+        result = run("show", self.folder)
+        self.assertIn("this is a folder", result.stderr)
+
+    def test_a_file_with_errors_is_shown_and_summed_up(self):
+        for old, new, _, findings in BROKEN:
+            with self.subTest(new=new):
+                path = self.write_hub("broken.bsd", (old, new))
+                result = run("show", path)
+                counts = [(n, word) for word in ("error", "warning")
+                          for n in [sum(f" {word} " in f for f in findings)] if n]
+                expected = " and ".join(f"{n} {word}{'s' * (n > 1)}" for n, word in counts)
+                line = f"{path}: {expected}; 'bscan check {path}' tells more\n" if counts else ""
+                self.assertEqual((result.returncode, result.stderr), (0, line))
+                self.assertIn("LINK_HUB", result.stdout)
+
+    def test_doubtful_pins_are_refused(self):
+        # What is broken, which pins are doubtful, and which are not.
+        rows = [(("BC_7, D(7), bidir, X, 9, 0, Z", "BC_7, D(7), bidir, X, 7, 0, Z"), ["D(7)"], ["D(6)"]),
+                (('" 9 (BC_2, *, control, 0)', '" 9 (BC_2, *, contrl, 0)'), ["D(4)", "D(7)"], ["D(3)"]),
+                (("TX0_P   : A5", "TX0_P   : A5, A5"), [], ["D(3)"]),
+                (("TX1_N   : B6", "TX1_N   : B5"), ["TX1_P", "TX1_N"], ["TX0_P"]),
+                (("INT_N   : out", "INT_N   : outt"), ["INT_N"], ["D(0)"]),
+                (("TX0_P   : out bit;\n        TX0_N ", "TX0_P, TX0_N "), [], ["TX0_N"]),
+                (("entity is 32;", "entity is 33;"), ["D(0)", "TX0_P"], []),
+                (("1111111110", "111111111"), [], ["D(0)", "TX0_P"])]
+        for replaced, doubtful, sure in rows:
+            with self.subTest(replaced[1]):
+                path = self.write_hub("doubt.bsd", replaced)
+                result = run("drive", path, "--json", *[f"port:{pin}=1" for pin in doubtful + sure])
+                requests = json.loads(result.stdout)["requests"]
+                errors = {row["port"]: row["error"] for row in requests}
+                for pin in doubtful:
+                    self.assertIsNotNone(errors[pin], errors)
+                for pin in sure:
+                    self.assertIsNone(errors[pin], errors)
+                self.assertEqual(result.returncode, int(bool(doubtful)))
+                length = json.loads(result.stdout)["length"]
+                seen = run("observe", path, "--json", "--capture", "1" * length)
+                ports = {row["port"]: row for row in json.loads(seen.stdout)["ports"]}
+                self.assertEqual([pin for pin in doubtful
+                                  if pin in ports and ports[pin]["level"] != "X"], [])
+                self.assertEqual("not told" in seen.stderr, seen.returncode == 1)
+        forced = run("drive", path, "D(0)=1", "--force", "--json")
+        self.assertTrue(json.loads(forced.stdout)["requests"][0]["done"])
+
+    def test_devices_come_from_standard_input_and_in_other_packages(self):
+        text = (DEVICES / BUS).read_text()
+        for args in (["show"], ["show", "--lines"], ["drive", "A=0x5"], ["observe", "--capture", "x" * 22]):
+            from_file = run(args[0], BUS, *args[1:], "--format", "csv")
+            piped = run(args[0], "-", *args[1:], "--format", "csv", input=text)
+            self.assertEqual((piped.returncode, piped.stdout), (0, from_file.stdout))
+        self.assertEqual(run("diff", BUS, "-", input=text).returncode, 0)
+        failed = run("show", "-", "--lines", input=text.replace("entity is 22", "entity is x"))
+        self.assertRegex(failed.stderr, r"^standard input: .* \(-8\)\n")
+        self.assertRegex(run("show", "-", input="").stderr, r"^standard input: .* \(-21\)\n")
+        two = self.folder / "two.bsd"
+        two.write_text(text.replace("    -- The test access port:", """
+            constant TINY : PIN_MAP_STRING := "CLK: A9, A: (B1, B2, B3, B4)";\n--""", 1))
+        pins = json.loads(run("show", two, "--package", "tiny", "--pins", "--json").stdout)["pins"]
+        self.assertEqual({row["port"]: row["pin"] for row in pins}["A(3)"], "B4")
+        self.assertIn("SO24; --package chooses TINY", run("show", two).stdout)
+        self.assertEqual(run("drive", two, "B4=1", "--package", "TINY").returncode, 0)
+        missing = run("show", two, "--package", "BGA")
+        self.assertEqual(missing.returncode, 1)
+        self.assertIn("it has SO24, TINY", missing.stderr)
+        self.assertEqual(run("show", two, "--package", "TINY", "--lines").returncode, 2)
+
+    def test_pins_as_people_write_them(self):
+        # Requests on the bus A(0 to 3), whose cells are 0 to 3, and what these cells hold then.
+        rows = [(["A=0x5"], "0101"), (["A=0b1000"], "1000"), (["A(3..0)=0x8"], "0001"),
+                (["A*=1"], "1111"), (["A=1", "A(1..2)=0b00"], "1001"), (["A=0x10"], None),
+                (["*A=0x1"], None), (["A(3..4)=1"], None), (["A(1)=0b1"], "0100")]
+        for requests, cells in rows:
+            with self.subTest(requests):
+                result = run("drive", BUS, *requests, "--json")
+                self.assertEqual(result.returncode, int(cells is None))
+                if cells:
+                    self.assertEqual(json.loads(result.stdout)["bits"][:4], cells)
+        self.assertIn("most significant bit first: A(3) to A(0)",
+                      run("drive", BUS, "A(3..0)=0x8").stdout)
+
+    def test_drive_starts_from_a_capture(self):
+        captured = "1011010110" + "0" * 12
+        for capture in (captured, "hex:b58000", "hex:b58 00x"):
+            driven = json.loads(run("drive", BUS, "SENSE=Z", "--capture", capture, "--json").stdout)
+            self.assertEqual((driven["bits"], driven["hex"]), (captured, "b58000"))
+        (self.folder / "capture").write_text("0xB5_80 # cells 0 to 15\n00")
+        driven = run("drive", BUS, "A(0)=0", "--capture-file", self.folder / "capture", "--json")
+        self.assertEqual(json.loads(driven.stdout)["bits"], "0" + captured[1:4] + "1" + captured[5:])
+        for bad in ("hex:b5800001", "hex:b58001", "hex:", "hex:g", "0x101010"):
+            self.assertNotEqual(run("observe", BUS, "--capture", bad).returncode, 0, bad)
 
     def test_check_finds_faults_in_their_places(self):
         for old, new, _, expected in BROKEN:
@@ -281,14 +379,15 @@ class ToolTest(unittest.TestCase):
     def test_odd_bytes_are_escaped(self):
         path = self.write_hub("odd.bsd", ("RST_N   : in", ODD + " : in"),
                               ("RST_N   : C2", ODD + " : C2"))
-        table = run("show", path, "--pins", text=False).stdout
+        table = run("show", path, "--pins", "--lines", text=False).stdout
         self.assertIn(b"R\\x1B[2J\\xFF\\xE2\\x80\\xAE\\\\ ", table)
-        model = json.loads(run("show", path, "--pins", "--json").stdout)
+        model = json.loads(run("show", path, "--pins", "--lines", "--json").stdout)
         self.assertIn("R\x1b[2J\\xFF\u202e\\", [row["name"] for row in model["pins"]])
-        self.assertIn("R\\x1B[2J\\xFF", run("draw", path, "-").stdout)
+        self.assertIn("R\\x1B[2J\\xFF", run("draw", path, "-", "--lines").stdout)
         broken = self.folder / "new\nline.bsd"
         broken.write_text("x\n")
-        self.assertIn("new\\x0Aline.bsd:1: ", run("show", broken).stderr)
+        self.assertIn("new\\x0Aline.bsd:1: ", run("show", broken, "--lines").stderr)
+        self.assertIn("new\\x0Aline.bsd: ", run("show", broken).stderr)
 
     def test_workers_of_check_end_with_it(self):
         slow = self.folder / "slow.bsd"
@@ -332,9 +431,10 @@ class ToolTest(unittest.TestCase):
         except ImportError:
             self.skipTest("needs python3-jsonschema")
         schema = json.loads((ROOT / "docs" / "bscan.schema.json").read_text())
-        runs = [["show", HUB], ["show", BUS, "--pins", "--cells", "--instructions"],
+        runs = [["show", HUB, "--all"], ["show", HUB, "--lines"], ["show", BUS, "--pins", "--cells", "--instructions"],
                 ["drive", HUB, "D=1", "X=1"], ["observe", BUS, "--capture", "x" * 22],
-                ["check", HUB], ["check", "none.bsd"], ["diff", HUB, BUS]]
+                ["check", HUB], ["check", "none.bsd"], ["diff", HUB, BUS],
+                ["show", BUS, "--pins", "--all"]]
         for args in runs:
             with self.subTest(args=args):
                 jsonschema.validate(json.loads(run(*args, "--json").stdout), schema)

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "chain_file.h"
+#include "device.h"
 #include "output.h"
+#include "scan_text.h"
 
 #include <cstdint>
 #include <string>
@@ -17,25 +19,28 @@ enum ExitStatus : int {
 };
 
 struct ShowOptions {
-    std::string file;
+    DeviceFile file;
     bool pins = false;
     bool cells = false;
     bool instructions = false;
+    bool all = false;  ///< the attributes that have no place elsewhere, too
     Format format = Format::kTable;
 };
 int Show(const ShowOptions& options);
 
 struct DriveOptions {
-    std::string file;
+    DeviceFile file;
     std::vector<std::string> requests;
+    CaptureOptions capture;  ///< what to start from instead of safe values
+    bool force = false;      ///< drive pins that an error makes doubtful, too
     Format format = Format::kTable;
 };
 int Drive(const DriveOptions& options);
 
 struct ObserveOptions {
-    std::string file;
-    std::string capture;
-    std::string capture_file;
+    DeviceFile file;
+    CaptureOptions capture;
+    bool force = false;  ///< tell pins that an error makes doubtful, too
     Format format = Format::kTable;
 };
 int Observe(const ObserveOptions& options);
@@ -48,14 +53,14 @@ struct CheckOptions {
 int Check(const CheckOptions& options);
 
 struct DiffOptions {
-    std::string left;
-    std::string right;
+    DeviceFile left;
+    DeviceFile right;
     Format format = Format::kTable;
 };
 int Diff(const DiffOptions& options);
 
 struct DrawOptions {
-    std::string file;
+    DeviceFile file;
     std::string output;
 };
 int Draw(const DrawOptions& options);

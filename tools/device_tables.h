@@ -4,6 +4,11 @@
 #include "device.h"
 #include "table.h"
 
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
 namespace tool {
 
 /// A text, or null for an empty one.
@@ -12,6 +17,15 @@ Json TextOrNull(const std::string& text);
 /// The port of a cell: the label of its element, the name that the file gives to a port which it
 /// does not declare, or null for no port.
 Json PortOf(const Device& device, const LBScanCell& cell);
+
+/// The modes of ports as the file writes them, in lower case, by the port's name as declared. The
+/// edition of 2013 has more of them than the model.
+using DeclaredModes = std::unordered_map<std::string_view, std::string>;
+DeclaredModes ModesOf(const Device& device);
+/// The mode of an element's port: the declared one, or else that of the model.
+std::string ModeOf(const Element& element, const DeclaredModes& modes);
+/// The types of the cells, from cell 0; one that the model does not know as the file calls it.
+std::vector<std::string> CellTypes(const Device& device);
 
 Table PinTable(const Device& device);
 Table CellTable(const Device& device);

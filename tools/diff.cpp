@@ -1,6 +1,7 @@
 // bscan diff: what differs between the devices of two files.
 
 #include "commands.h"
+#include "device_facts.h"
 #include "device_tables.h"
 #include "failure.h"
 #include "words.h"
@@ -44,14 +45,6 @@ struct Kind {
     Items (*collect)(const Device&);
 };
 
-// Letter case has no meaning in BSDL, and a lookup may have changed that of a port's name.
-std::string Upper(std::string text) {
-    for (char& character : text) {
-        if (character >= 'a' && character <= 'z') character = static_cast<char>(character - 32);
-    }
-    return text;
-}
-
 std::string Text(const Json& value) {
     if (value.is_null()) return "-";
     if (value.is_string()) return value.get<std::string>();
@@ -83,8 +76,9 @@ Items PortItems(const Device& device) {
         ports[place->second].second.push_back(&element);
     }
     Items items;
+    const DeclaredModes modes = ModesOf(device);
     for (const auto& [name, elements] : ports) {
-        std::string text(Word(elements[0]->node->GetPortType()));
+        std::string text = ModeOf(*elements[0], modes);
         if (elements[0]->index) {
             text += fmt::format(", {} to {}", *elements.front()->index,
                                 elements.back()->index.value_or(0));
@@ -102,10 +96,9 @@ Items PinItems(const Device& device) {
     return items;
 }
 
-std::string CellText(const Device& device, const LBScanCell& cell) {
-    std::string text = fmt::format("{}, {}, {}, {}", Word(cell.GetBScanCellType()),
-                                   Upper(Text(PortOf(device, cell))), Word(cell.GetFunction()),
-                                   Word(cell.safeValue));
+std::string CellText(const Device& device, const LBScanCell& cell, const std::string& type) {
+    std::string text = fmt::format("{}, {}, {}, {}", Upper(type), Upper(Text(PortOf(device, cell))),
+                                   Word(cell.GetFunction()), Word(cell.safeValue));
     if (const LBScanCell* control = cell.GetControlCell()) {
         text += fmt::format(", {}, {}, {}", control->GetBoundaryCellPosition(),
                             Word(cell.disableValue), Word(cell.disableResult));
@@ -116,9 +109,11 @@ std::string CellText(const Device& device, const LBScanCell& cell) {
 
 Items CellItems(const Device& device) {
     Items items;
-    int position = 0;
+    const std::vector<std::string> types = CellTypes(device);
+    std::size_t position = 0;
     for (const LBScanCell* cell : CellsOf(device.map())) {
-        items.Add(std::to_string(position++), CellText(device, *cell));
+        items.Add(std::to_string(position), CellText(device, *cell, types[position]));
+        ++position;
     }
     return items;
 }
@@ -129,7 +124,29 @@ Items RowItems(const Table& table) {
     return items;
 }
 
-Items InstructionItems(const Device& device) { return RowItems(InstructionTable(device)); }
+// All that the tables of show have behind an instruction's name.
+Items InstructionItems(const Device& device) {
+    Items items;
+    const Table table = InstructionTable(device);
+    for (const std::vector<Json>& row : table.rows) {
+        std::string text = Text(row[1]);
+        for (std::size_t c = 2; c < row.size(); ++c) {
+            if (row[c].is_null() || row[c] == false) continue;
+            text += row[c] == true ? ", " + table.columns[c].key
+                                   : fmt::format(", {} {}", table.columns[c].key, Text(row[c]));
+        }
+        items.Add(Upper(Text(row[0])), text);
+    }
+    return items;
+}
+
+Items AttributeItems(const Device& device) {
+    Items items;
+    for (const std::vector<Json>& row : AttributeTable(device).rows) {
+        items.Add(Upper(fmt::format("{} of {}", Text(row[0]), Text(row[1]))), Text(row[3]));
+    }
+    return items;
+}
 
 Items RegisterItems(const Device& device) { return RowItems(RegisterTable(device)); }
 
@@ -141,7 +158,8 @@ constexpr Kind kKinds[] = {{"device", DeviceItems},
                            {"cell", CellItems},
                            {"instruction", InstructionItems},
                            {"register", RegisterItems},
-                           {"pair", PairItems}};
+                           {"pair", PairItems},
+                           {"attribute", AttributeItems}};
 
 void Compare(const char* kind, const Items& left, const Items& right, Table& table) {
     for (const auto& [name, text] : left.list()) {
@@ -168,8 +186,9 @@ int Diff(const DiffOptions& options) {
         Compare(kind.name, kind.collect(left), kind.collect(right), table);
     }
     if (options.format == Format::kJson) {
-        const Json report{
-            {"left", options.left}, {"right", options.right}, {"differences", ToJson(table)}};
+        const Json report{{"left", options.left.path},
+                          {"right", options.right.path},
+                          {"differences", ToJson(table)}};
         Print(stdout, report, 2);
     } else if (options.format == Format::kCsv || !table.rows.empty()) {
         Print(stdout, table, options.format);

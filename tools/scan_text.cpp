@@ -1,5 +1,7 @@
 #include "scan_text.h"
 
+#include "text_file.h"
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -55,19 +57,98 @@ Table VectorTable(BScanPinMap& map) {
     return table;
 }
 
-std::optional<Capture> ParseCapture(std::string_view text) {
-    Capture capture;
+std::string HexText(BScanPinMap& map) { return fmt::format("{}", fmt::join(ByteTexts(map), "")); }
+
+namespace {
+
+// What counts of a capture: neither comments nor what may stand between its characters.
+std::string WithoutSpace(std::string_view text) {
+    std::string bare;
     bool comment = false;
     for (const char character : text) {
         if (character == '\n') comment = false;
         if (character == '#') comment = true;
         const bool space = std::string_view(" \t\r\n_").find(character) != std::string_view::npos;
-        if (comment || space) continue;
-        if (std::string_view("01xX").find(character) == std::string_view::npos) return std::nullopt;
-        capture.data.push_back(character == '1' ? 1 : 0);
-        capture.mask.push_back(character == '0' || character == '1' ? 1 : 0);
+        if (!comment && !space) bare += character;
+    }
+    return bare;
+}
+
+// The digits of a capture in hexadecimal; empty for one in bits. One of 0, 1 and x alone is bits,
+// also when it begins with 0x.
+std::string_view HexDigits(std::string_view bare) {
+    constexpr std::string_view kPrefix = "hex:";
+    if (bare.substr(0, kPrefix.size()) == kPrefix) return bare.substr(kPrefix.size());
+    const bool prefixed = bare.substr(0, 2) == "0x" || bare.substr(0, 2) == "0X";
+    const bool bits = bare.find_first_not_of("01xX") == std::string_view::npos;
+    return prefixed && !bits ? bare.substr(2) : std::string_view();
+}
+
+void Append(Capture& capture, bool value, bool known) {
+    capture.data.push_back(value ? 1 : 0);
+    capture.mask.push_back(known ? 1 : 0);
+}
+
+bool AppendDigit(Capture& capture, char digit) {
+    constexpr std::string_view kDigits = "0123456789abcdefxABCDEFX";
+    const bool known = digit != 'x' && digit != 'X';
+    if (kDigits.find(digit) == std::string_view::npos) return false;
+    const unsigned value =
+        known ? static_cast<unsigned>(std::stoi(std::string(1, digit), nullptr, 16)) : 0;
+    for (unsigned bit = 4; bit-- > 0;) Append(capture, (value >> bit & 1U) != 0, known);
+    return true;
+}
+
+bool AppendBit(Capture& capture, char bit) {
+    if (std::string_view("01xX").find(bit) == std::string_view::npos) return false;
+    Append(capture, bit == '1', bit == '0' || bit == '1');
+    return true;
+}
+
+}  // namespace
+
+std::optional<Capture> ParseCapture(std::string_view text) {
+    const std::string bare = WithoutSpace(text);
+    Capture capture;
+    const std::string_view digits = HexDigits(bare);
+    capture.is_hexadecimal = !digits.empty();
+    for (const char character : capture.is_hexadecimal ? digits : std::string_view(bare)) {
+        const bool taken = capture.is_hexadecimal ? AppendDigit(capture, character)
+                                                  : AppendBit(capture, character);
+        if (!taken) return std::nullopt;
     }
     return capture;
+}
+
+std::string ReadCapture(const CaptureOptions& options, Capture& capture) {
+    const std::optional<std::string> text =
+        options.file.empty() ? options.bits : ReadText(options.file);
+    if (!text) return fmt::format("cannot read {}", NameOf(options.file));
+    const std::optional<Capture> read = ParseCapture(*text);
+    if (!read) {
+        return "a capture is written with 0, 1 and x, cell 0 first, or in hexadecimal behind hex:, "
+               "with cell 0 as the 8 of the first digit";
+    }
+    capture = *read;
+    return {};
+}
+
+bool FitsRegister(const Capture& capture, int length) {
+    const std::size_t cells = static_cast<std::size_t>(length);
+    const std::size_t size = capture.data.size();
+    if (!capture.is_hexadecimal) return size == cells;
+    const auto first_surplus =
+        capture.data.begin() + static_cast<std::ptrdiff_t>(std::min(cells, size));
+    return size >= cells && size < cells + 8 &&
+           std::find(first_surplus, capture.data.end(), 1) == capture.data.end();
+}
+
+std::string CaptureProblem(const Capture& capture, const Device& device) {
+    const int length = device.map().GetBScanLength();
+    if (FitsRegister(capture, length)) return {};
+    return fmt::format("the capture has {} bits{}, the boundary register of {} has {}",
+                       capture.data.size(), capture.is_hexadecimal ? " in hexadecimal" : "",
+                       NameOf(device.path()), length);
 }
 
 }  // namespace tool

@@ -1,26 +1,16 @@
 #include "step_text.h"
 
 #include "printable.h"
+#include "text_file.h"
 
 #include <fmt/format.h>
 
-#include <fstream>
-#include <iostream>
-#include <iterator>
-
 namespace tool {
-
-std::optional<std::string> ReadWhole(const std::string& path) {
-    if (path == "-") return std::string(std::istreambuf_iterator<char>(std::cin), {});
-    std::ifstream stream(path, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    return stream ? std::optional(std::move(text)) : std::nullopt;
-}
 
 std::optional<StepText> ReadSteps(const StepOptions& options, const Complaint& complain) {
     StepText steps{"", "step"};
     if (!options.file.empty()) {
-        std::optional<std::string> text = ReadWhole(options.file);
+        std::optional<std::string> text = ReadText(options.file);
         if (!text) {
             complain(fmt::format("cannot read {}", Printable(options.file)));
             return std::nullopt;

@@ -19,9 +19,6 @@ struct StepText {
 
 using Complaint = std::function<void(const std::string&)>;
 
-/// The whole of a file, or of standard input for "-"; nothing when it cannot be read.
-std::optional<std::string> ReadWhole(const std::string& path);
-
 /// The steps of the file, then those of the command line; nothing after a complaint.
 std::optional<StepText> ReadSteps(const StepOptions& options, const Complaint& complain);
 

@@ -6,6 +6,7 @@
 #include "printable.h"
 #include "scan_text.h"
 #include "step_text.h"
+#include "text_file.h"
 
 #include <fmt/format.h>
 
@@ -33,18 +34,18 @@ bool TakeSample(const bscan::Chain& chain, const std::string& text,
     const std::string source = equals == std::string::npos ? text : text.substr(equals + 1);
     std::optional<Capture> capture = ParseCapture(source);
     if (!capture) {
-        const std::optional<std::string> content = ReadWhole(source);
+        const std::optional<std::string> content = ReadText(source);
         if (content) capture = ParseCapture(*content);
     }
     const int length = driver->Device().GetBScanLength();
-    if (!capture || capture->data.size() != static_cast<std::size_t>(length)) {
+    if (!capture || !FitsRegister(*capture, length)) {
         Complain(fmt::format("'{}' is no capture of {} bits 0, 1 or x for {}, and no file with one",
                              Printable(source), length, chain.Device(device).name));
         return false;
     }
     program.sample.resize(static_cast<std::size_t>(chain.DeviceCount()));
     std::vector<eSignal>& levels = program.sample[static_cast<std::size_t>(device)];
-    for (std::size_t i = 0; i < capture->data.size(); ++i) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(length); ++i) {
         levels.push_back(capture->mask[i] == 0 ? SIG_X : capture->data[i] != 0 ? SIG_1 : SIG_0);
     }
     return true;

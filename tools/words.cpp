@@ -27,11 +27,12 @@ std::string_view Word(PortType mode) { return At(kModes, mode); }
 std::string_view Word(CellType type) { return At(kTypes, type); }
 std::string_view Word(CellFunction function) { return At(kFunctions, function); }
 
-std::optional<eSignal> ParseLevel(std::string_view text) {
-    if (text == "0") return SIG_0;
-    if (text == "1") return SIG_1;
-    if (text == "Z" || text == "z") return SIG_Z;
-    return std::nullopt;
+std::string Upper(std::string_view text) {
+    std::string upper(text);
+    for (char& character : upper) {
+        if (character >= 'a' && character <= 'z') character = static_cast<char>(character - 32);
+    }
+    return upper;
 }
 
 }  // namespace tool

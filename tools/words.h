@@ -3,7 +3,7 @@
 
 #include <bscan/bscan.h>
 
-#include <optional>
+#include <string>
 #include <string_view>
 
 namespace tool {
@@ -13,7 +13,7 @@ std::string_view Word(PortType mode);
 std::string_view Word(CellType type);
 std::string_view Word(CellFunction function);
 
-/// The level that a user names: 0, 1, or Z in either case.
-std::optional<eSignal> ParseLevel(std::string_view text);
+/// A name as BSDL compares it: its letters in upper case.
+std::string Upper(std::string_view text);
 
 }  // namespace tool
