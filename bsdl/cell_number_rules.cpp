@@ -187,6 +187,7 @@ private:
     }
 
     void ReportMissing(int first, int last) {
+        if (Cells().empty() && checks_.doubts.statements) return;
         // Where it would have stood: registers are written upwards or downwards.
         const Cell* neighbour = table_.First(last + 1);
         const Cell* below = table_.First(first - 1);

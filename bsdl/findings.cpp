@@ -2,8 +2,11 @@
 
 #include <bscan/limits.h>
 
+#include "bsdl/lexer.h"
+
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -327,6 +330,18 @@ void FindingList::EndEntry(const Word& last) {
     }
     entry_ = {};
     entry_is_faulty_ = false;
+}
+
+void FindingList::EndText(const Word& last) {
+    const Place place{last.line, last.column};
+    std::erase_if(findings_, [&](const Finding& finding) {
+        return Place{finding.line, finding.column} >= place;
+    });
+    std::erase_if(faulty_entries_, [&](const Stretch& entry) { return entry.last >= place; });
+    entry_ = {};
+    Add(Rule::kTextEnds, Behind(last), "the text ends within the description");
+    constexpr int kLast = std::numeric_limits<int>::max();
+    faulty_entries_.push_back({place, {kLast, kLast}});
 }
 
 void FindingList::Add(Rule rule, const Word& where, std::string message, std::string remedy) {

@@ -182,6 +182,10 @@ public:
     // The entry may lack a part: nothing more is told about it.
     void DoubtEntry() { entry_is_faulty_ = true; }
 
+    // The text ends too early, behind its last word. What was found from that word on follows from
+    // it, and what is found there later does, too.
+    void EndText(const Word& last);
+
     // The findings, sorted by place; a note at the end tells how many were not kept.
     std::vector<Finding> Take();
 

@@ -71,8 +71,7 @@ std::string_view TextBehind(const Word& word, const Lexer& lexer) {
 
 void FindTextEnd(SourceReader& source) {
     if (std::exchange(source.text_ended, true)) return;
-    source.reading.found.Add(Rule::kTextEnds, Behind(source.lexer.Last()),
-                             "the text ends within the description", "");
+    source.reading.found.EndText(source.lexer.Last());
     source.reading.doubts.statements = true;
 }
 

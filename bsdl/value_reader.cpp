@@ -254,10 +254,7 @@ void ValueReader::ReadJoint() {
         Advance();
     }
     if (!AtEnd()) return;
-    if (lexer_.Current().IsEnd()) {
-        value_.doubtful = true;  // with the text; the end of the statement tells
-        return;
-    }
+    if (lexer_.Current().IsEnd()) return;  // the end of the statement tells
     breaks_off_ = true;
     reading_.found.Add(Rule::kAmpersandSurplus, mark, "nothing follows the last `&` of the value",
                        "write `;` instead");
@@ -348,6 +345,7 @@ bool ReadValue(SourceReader& source) {
         return false;
     }
     if (breaks_off && !source.lexer.Current().Is(';')) return true;
+    if (source.lexer.Current().IsEnd()) source.value.doubtful = true;
     EndStatement(source);
     const Word& comment = source.lexer.Comment();
     if (comment.line == pieces.back().line) pieces.back().remark = comment.text;
