@@ -1,22 +1,23 @@
-// Drives one port of a device and prints the vector to shift into its boundary register.
+// Drives one pin of a device and prints the vector to shift into its boundary register.
 //
-//     drive_a_pin FILE [PORT [LEVEL]]
+//     drive_a_pin FILE [PIN [LEVEL]]
 //
-// Without PORT, the first pin whose port has boundary cells and can drive. LEVEL is 0 or 1, which
-// is the default.
+// PIN is a package pin (B3), a port (READY) or an element of one (D(3)); without it, the first pin
+// that can be driven. LEVEL is 0 or 1, which is the default.
 #include <bscan/bscan.h>
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace {
 
-// The number of the first pin whose port can drive; -1 without one.
-int FirstDrivingPin(BScanPinMap& device) {
-    for (int pin = 1; pin <= device.GetNumberOfPins(); ++pin) {
-        const PortType mode = device.GetPortType(pin);
-        if ((mode == PORT_OUT || mode == PORT_INOUT) && device.HasBScanCell(pin)) {
-            return pin;
+// The first element whose driver can be turned on; -1 without one.
+int FirstDrivingElement(const bscan::PinDriver& driver) {
+    for (int element = 0; element < driver.ElementCount(); ++element) {
+        const bscan::PinCells cells = driver.Cells(element);
+        if (cells.output != nullptr && cells.control != nullptr) {
+            return element;
         }
     }
     return -1;
@@ -38,56 +39,55 @@ int main(int argc, char* argv[]) {
     if (argc < 2) {
         std::fputs(
             "drive_a_pin: no BSDL file given\n"
-            "usage: drive_a_pin FILE [PORT [LEVEL]]\n",
+            "usage: drive_a_pin FILE [PIN [LEVEL]]\n",
             stderr);
         return 2;
     }
     const char* file = argv[1];
-    std::string port = argc > 2 ? argv[2] : "";
     const eSignal level = argc > 3 && argv[3][0] == '0' ? SIG_0 : SIG_1;
 
+    const bscan::Description description = bscan::Description::Read(file);
     BScanParser parser;
-    int code = parser.Initialize(file, nullptr);
-    if (code == bscan::kOk) {
-        code = parser.Read();
-    }
+    const int code = description.Fill(parser);
     if (code != bscan::kOk) {
         std::fprintf(stderr, "%s: %s (%d)\n", file, bscan::Describe(code), code);
         return 1;
     }
-    BScanPinMap* device = parser.GetPinMap();
-    if (device == nullptr) {
-        std::fprintf(stderr, "%s: the file declares no ports\n", file);
-        return 1;
+    // A file with errors is read too; a host that drives hardware should not trust it.
+    for (const bscan::Finding& finding : description.Findings()) {
+        if (finding.severity == bscan::Severity::kError) {
+            std::fprintf(stderr, "%s:%d: %s\n", file, finding.line, finding.message.c_str());
+        }
     }
 
-    // A lookup by port name turns the given text into upper case, so it gets a buffer of ours.
-    const int pin =
-        port.empty() ? FirstDrivingPin(*device) : device->GetPinNumberwPortName(port.data());
-    const LPinNode* node = device->GetPort(pin);
-    if (node == nullptr) {
-        std::fprintf(stderr, "%s: no port to drive, or its pin has no number\n", file);
+    BScanPinMap& device = *parser.GetPinMap();
+    bscan::PinDriver driver(device);
+    driver.Preset();  // every driver off that can be turned off
+    const bscan::PinNames names(driver, &description.GetFacts());
+    int element = FirstDrivingElement(driver);
+    if (argc > 2) {
+        const std::vector<int> found = names.Find(argv[2]);
+        element = found.empty() ? -1 : found.front();
+    }
+    if (element < 0) {
+        std::fprintf(stderr, "%s: no such pin, or none that can be driven\n", file);
         return 1;
     }
-    // setPort has nothing to do at a port without cells, and says 0.
-    if (!device->HasBScanCell(pin)) {
-        std::fprintf(stderr, "%s: %s has no boundary cells\n", file, bscan::PortName(*node));
+    PrintVector("preset", device);
+    const bscan::DriveCode driven = driver.Request(element, level);
+    if (!bscan::IsDone(driven)) {
+        std::fprintf(stderr, "%s: %s: %s\n", file, names.Label(element).c_str(),
+                     driver.Explain(element, driven).c_str());
         return 1;
     }
-    PrintVector("safe", *device);
-    if (device->setPort(pin, PORT_OUT, level) != bscan::kOk) {
-        std::fprintf(stderr, "%s: %s cannot drive\n", file, bscan::PortName(*node));
-        return 1;
+    PrintVector("driving", device);
+    std::printf("          %s %s\n", names.Label(element).c_str(),
+                driver.Explain(element, driven).c_str());
+    for (const int other : driver.AlsoDriven()) {
+        std::printf("          %s is driven too, by the same control cell\n",
+                    names.Label(other).c_str());
     }
-    PrintVector("driving", *device);
-    std::printf("          %s at pin %s drives %d\n", bscan::PortName(*node), bscan::PinName(*node),
-                level);
-
-    // A port that can receive lets go again; one of mode "out" refuses, and nothing changes. With a
-    // cell that only observes, the driver stays on although the result is 0.
-    if (device->setPort(pin, PORT_IN, SIG_X) == bscan::kOk) {
-        const bool drives = device->GetPortDirection(pin) == PORT_OUT;
-        PrintVector(drives ? "observing" : "released", *device);
-    }
+    driver.Request(element, SIG_Z);
+    PrintVector("released", device);
     return 0;
 }

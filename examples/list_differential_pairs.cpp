@@ -31,11 +31,9 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     const char* file = argv[1];
+    const bscan::Description description = bscan::Description::Read(file);
     BScanParser parser;
-    int code = parser.Initialize(file, nullptr);
-    if (code == bscan::kOk) {
-        code = parser.Read();
-    }
+    const int code = description.Fill(parser);
     if (code != bscan::kOk) {
         std::fprintf(stderr, "%s: %s (%d)\n", file, bscan::Describe(code), code);
         return 1;

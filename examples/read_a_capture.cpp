@@ -13,18 +13,6 @@
 
 namespace {
 
-int ReadFile(BScanParser& parser, const char* file) {
-    int code = parser.Initialize(file, nullptr);
-    if (code == bscan::kOk) {
-        code = parser.Read();
-    }
-    parser.CloseFile();
-    if (code != bscan::kOk) {
-        std::fprintf(stderr, "%s: %s (%d)\n", file, bscan::Describe(code), code);
-    }
-    return code;
-}
-
 // A real host shifts this many bits out of the device.
 std::string ShiftOut(int length) {
     std::string bits;
@@ -56,20 +44,11 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     const char* file = argv[1];
-    std::string bits;
-    if (argc > 2) {
-        bits = argv[2];
-    } else {
-        // The length of the register is in the file, and the capture must be there before the
-        // file is read: so it is read twice, each time with a parser of its own.
-        BScanParser parser;
-        if (ReadFile(parser, file) != bscan::kOk) {
-            return 1;
-        }
-        const BScanPinMap* device = parser.GetPinMap();
-        bits = ShiftOut(device != nullptr ? device->GetBScanLength() : 0);
-    }
+    const bscan::Description description = bscan::Description::Read(file);
+    const std::string bits = argc > 2 ? argv[2] : ShiftOut(description.GetFacts().boundary_length);
 
+    // The capture must be there before the model is filled. For a later capture, fill another
+    // parser from the same description.
     std::vector<unsigned char> data(bits.size());
     std::vector<unsigned char> valid(bits.size());
     for (std::size_t cell = 0; cell < bits.size(); ++cell) {
@@ -78,18 +57,23 @@ int main(int argc, char* argv[]) {
     }
     BScanParser parser;
     parser.SetBSCANBitArray(data.data(), static_cast<int>(data.size()), valid.data());
-    if (ReadFile(parser, file) != bscan::kOk) {
+    const int code = description.Fill(parser);
+    if (code != bscan::kOk) {
+        std::fprintf(stderr, "%s: %s (%d)\n", file, bscan::Describe(code), code);
         return 1;
     }
-    BScanPinMap* device = parser.GetPinMap();
-    for (int pin = 1; device != nullptr && pin <= device->GetNumberOfPins(); ++pin) {
-        if (!device->HasBScanCell(pin)) {
+    BScanPinMap& device = *parser.GetPinMap();
+    const bscan::PinDriver driver(device);
+    const bscan::PinNames names(driver, &description.GetFacts());
+    for (int element = 0; element < driver.ElementCount(); ++element) {
+        const LPinNode& node = *driver.Node(element);
+        const int pin = node.GetPinNumber();
+        if (!device.HasBScanCell(pin)) {
             continue;
         }
-        const LPinNode& node = *device->GetPort(pin);
-        std::printf("%-6s %-10s %-9s %s\n", bscan::PinName(node), bscan::PortName(node),
-                    DirectionText(device->GetPortDirection(pin)),
-                    LevelText(device->GetPortValue(pin)));
+        std::printf("%-6s %-10s %-9s %s\n", bscan::PinName(node), names.Label(element).c_str(),
+                    DirectionText(device.GetPortDirection(pin)),
+                    LevelText(device.GetPortValue(pin)));
     }
     return 0;
 }

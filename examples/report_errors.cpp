@@ -1,4 +1,5 @@
-// Reports a failed reading in words from an error list, as a host with messages of its own does.
+// Reads a file line by line, and reports a failed reading in words from an error list, as a host
+// with messages of its own does.
 //
 //     report_errors FILE [DIRECTORY]
 //

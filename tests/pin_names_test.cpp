@@ -14,7 +14,7 @@ using test::DescribedDevice;
 constexpr std::string_view kNamedDevice =
     R"bsdl(entity NAMED is
         generic (PHYSICAL_PIN_MAP : string := "P");
-        port (D : inout bit_vector(5 downto 2); N : in bit_vector(-1 to 1);
+        port (D : inout bit_vector(5 downto 2); N : in bit_vector(0 to 2);
               d_x, DX, ONE_AND_ALL : out bit; E : in bit_vector(3 to 3));
         constant P : PIN_MAP_STRING := "D:(A1,A2,A3,A4), N:(1,2,3), d_x:DX, DX:B2, " &
             "ONE_AND_ALL:B3, E:B4";
@@ -45,14 +45,15 @@ TEST(PinNames, FindsWhatPeopleMean) {
         {"D(3..)", ""},
         {"D(3", ""},
         {"D()", ""},
-        {"N(-1..0)", "N(-1) N(0) "},
+        {"N(-1..0)", ""},
+        {"N(1..2)", "N(1) N(2) "},
         {"d*", "D(5) D(4) D(3) D(2) d_x DX "},
         {"*_*", "d_x ONE_AND_ALL "},
         {"o*n*_l*l", ""},
         {"o*n*_*l*l", "ONE_AND_ALL "},
         {"D*(4)", "D(4) "},
         {"*(3)", "D(3) E(3) "},
-        {"**", "D(5) D(4) D(3) D(2) N(-1) N(0) N(1) d_x DX ONE_AND_ALL E(3) "},
+        {"**", "D(5) D(4) D(3) D(2) N(0) N(1) N(2) d_x DX ONE_AND_ALL E(3) "},
         {"pin:D*", ""},
         {"DX", "d_x "},  // the pin of that name comes before the port
         {"port:DX", "DX "},

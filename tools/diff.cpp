@@ -131,9 +131,11 @@ Items InstructionItems(const Device& device) {
     for (const std::vector<Json>& row : table.rows) {
         std::string text = Text(row[1]);
         for (std::size_t c = 2; c < row.size(); ++c) {
-            if (row[c].is_null() || row[c] == false) continue;
-            text += row[c] == true ? ", " + table.columns[c].key
-                                   : fmt::format(", {} {}", table.columns[c].key, Text(row[c]));
+            const Column& column = table.columns[c];
+            // Who tells of a register makes no other device.
+            if (row[c].is_null() || row[c] == false || column.key == "register_told_by") continue;
+            text += row[c] == true ? fmt::format(", {}", column.key)
+                                   : fmt::format(", {} {}", column.key, Text(row[c]));
         }
         items.Add(Upper(Text(row[0])), text);
     }

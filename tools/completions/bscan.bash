@@ -22,15 +22,16 @@ _bscan() {
             compopt -o filenames 2>/dev/null
             COMPREPLY=($(compgen -f -- "$current"))
             return ;;
-        --capture | --jobs | -j | --do | --frequency | --from-sample)
+        --capture | --package | --jobs | -j | --do | --frequency | --from-sample)
             return ;;
     esac
     case $command in
-        show) options='--pins --cells --instructions --format --json --help' ;;
-        drive | diff) options='--format --json --help' ;;
-        observe) options='--capture --capture-file --format --json --help' ;;
+        show) options='--pins --cells --instructions --all --package --lines --format --json --help' ;;
+        drive) options='--capture --capture-file --force --package --lines --format --json --help' ;;
+        diff) options='--package --lines --format --json --help' ;;
+        observe) options='--capture --capture-file --force --package --lines --format --json --help' ;;
         check) options='--jobs --format --json --help' ;;
-        draw) options='--help' ;;
+        draw) options='--package --lines --help' ;;
         svf) options='--chain --do --steps --output --frequency --from-sample --no-idcode --help' ;;
         openocd) options='--chain --output --help' ;;
         live) options='--chain --openocd --adapter --hold --every --count --vcd --library --help' ;;
