@@ -60,6 +60,14 @@ struct DrawOptions {
 };
 int Draw(const DrawOptions& options);
 
+struct FormatOptions {
+    std::string file;
+    std::string output;
+    std::string package;
+    bool check = false;
+};
+int FormatFile(const FormatOptions& options);
+
 /// Steps from a file, and behind them those of the command line.
 struct StepOptions {
     std::string file;

@@ -21,6 +21,7 @@ struct Options {
     CheckOptions check;
     DiffOptions diff;
     DrawOptions draw;
+    FormatOptions format;
     LiveOptions live;
     SimulateOptions simulate;
     SvfOptions svf;
@@ -123,6 +124,21 @@ void AddDraw(CLI::App& app, DrawOptions& options) {
                                    "bscan draw device.bsd device.svg");
     AddFile(command, "FILE", options.file, "The BSDL file");
     AddFile(command, "OUT.svg", options.output, "The drawing to write; - for standard output");
+}
+
+void AddFormatCommand(CLI::App& app, FormatOptions& options) {
+    CLI::App* command = AddCommand(app, "format", "Write a description again as clean BSDL",
+                                   "bscan format device.bsd -o clean.bsd --package BGA256");
+    AddFile(command, "FILE", options.file, "The BSDL file; - for standard input");
+    CLI::Option* output =
+        command->add_option("-o,--output", options.output, "The file to write (standard output)");
+    output->type_name("PATH");
+    command->add_option("--package", options.package, "The package that the generic names")
+        ->type_name("NAME");
+    command
+        ->add_flag("--check", options.check,
+                   "Write nothing, and tell whether the file would change")
+        ->excludes(output);
 }
 
 void AddChain(CLI::App* command, ChainOptions& options) {
@@ -311,6 +327,7 @@ int Dispatch(const CLI::App& app, const Options& options) {
         {"check", [&] { return Check(options.check); }},
         {"diff", [&] { return Diff(options.diff); }},
         {"draw", [&] { return Draw(options.draw); }},
+        {"format", [&] { return FormatFile(options.format); }},
         {"live", [&] { return Live(options.live); }},
         {"simulate", [&] { return Simulate(options.simulate); }},
         {"svf", [&] { return Svf(options.svf); }},
@@ -328,6 +345,7 @@ int Run(int argc, const char* const* argv) {
     AddCheck(app, options.check);
     AddDiff(app, options.diff);
     AddDraw(app, options.draw);
+    AddFormatCommand(app, options.format);
     AddLive(app, options.live);
     AddSimulate(app, options.simulate);
     AddSvf(app, options.svf);

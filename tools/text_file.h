@@ -1,0 +1,25 @@
+// Texts from files and from standard input.
+#pragma once
+
+#include <string>
+
+namespace tool {
+
+/// The name that stands for standard input.
+constexpr const char* kStandardInput = "-";
+
+/// A text, or the reason why there is none.
+struct LoadedText {
+    int code = 0;  ///< bscan::kOk, kCannotOpen, kReadFailed, kTextTooLong
+    std::string text;
+};
+
+/// Reads a file of at most kMaxDescriptionLength bytes; `-` is standard input.
+LoadedText LoadText(const std::string& path);
+
+/// Writes a text to a file, or prints it where @p path is empty or `-`.
+/// @param command  in front of the report of what goes wrong.
+/// @return whether all was written.
+bool SaveText(const char* command, const std::string& path, const std::string& text);
+
+}  // namespace tool
