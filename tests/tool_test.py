@@ -45,6 +45,7 @@ GOLDEN_RUNS = [
     ("long.svf", 0, ["svf", BUS, "X=ir:300", "--no-idcode", "--frequency", "123.9", "--do",
                      "drive READY=1", "--from-sample", "U1=" + "01" * 11]),
     ("chain.cfg", 0, ["openocd", "--chain", CHAIN]),
+    ("format_untidy.bsd", 0, ["format", ROOT / "tests" / "devices" / "untidy.bsd"]),
 ]
 
 # What is replaced in link_hub.bsd, the code of a reading by lines, and where `check` finds what.
@@ -277,6 +278,45 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(titles["B6"], "B6: TX1_N, out, negative leg; "
                                        "cell 27: BC_1 output3, control cell 26")
         self.assertEqual(run("draw", HUB, self.folder / "none" / "x.svg").returncode, 1)
+
+    def test_format_writes_what_it_reads(self):
+        files = [*DEVICES.glob("*.bsd"), *(ROOT / "tests" / "devices").glob("*.bsd"),
+                 *(ROOT.parent / "shared" / "devices").glob("*")]
+        for file in files:
+            with self.subTest(file.name):
+                result = run("format", file, "-o", self.folder / "clean.bsd")
+                self.assertEqual((result.stdout, result.returncode), ("", 0), result.stderr)
+                again = run("format", "--check", self.folder / "clean.bsd")
+                self.assertEqual((again.stdout, again.returncode), ("", 0))
+                clean = (self.folder / "clean.bsd").read_text()
+                wide = [line for line in clean.splitlines() if len(line) > 100]
+                self.assertEqual([line for line in wide if " " in line[4:-2].strip("- ")], [])
+                before, after = (json.loads(run("check", "--json", path).stdout)["findings"]
+                                 for path in (file, self.folder / "clean.bsd"))
+                self.assertLessEqual(len(after), len(before))
+
+    def test_format_chooses_a_package(self):
+        path = self.write_hub("two.bsd", ("    constant BGA48",
+                                          '    constant DIE : PIN_MAP_STRING :=\n"TDI : 1";\n'
+                                          "    constant BGA48"))
+        self.assertIn(':= "DIE")', run("format", "-", "--package", "die", input=path.read_text()).stdout)
+        result = run("format", path, "--package", "QFP")
+        self.assertEqual((result.stdout, result.returncode), ("", 1))
+        self.assertIn("it has DIE, BGA48", result.stderr)
+        result = run("format", path, "--check")
+        self.assertEqual((result.stdout, result.returncode), (f"{path}: would change\n", 1))
+
+    def test_format_writes_nothing_that_loses_facts(self):
+        lost = self.write_hub("lost.bsd", ("REF_P   : in bit;", "REF_P   : in bit"),
+                              ("BC_4, REF_P, input, X", "BC_4, REF_P, input, X, 1, 1, Z, Z"))
+        files = [lost, self.folder, "none.bsd", self.write_hub("empty.bsd")]
+        files[-1].write_bytes(b"")
+        for file in files:
+            with self.subTest(file=file):
+                result = run("format", file, "-o", self.folder / "none")
+                self.assertEqual(result.returncode, 1)
+                self.assertIn("bscan format: ", result.stderr)
+                self.assertFalse((self.folder / "none").exists())
 
     def test_odd_bytes_are_escaped(self):
         path = self.write_hub("odd.bsd", ("RST_N   : in", ODD + " : in"),

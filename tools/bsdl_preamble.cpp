@@ -41,11 +41,13 @@ std::string CommentLines(std::string_view comment) {
     comment = WithoutLastBlanks(comment);
     constexpr std::size_t kWidth = kBsdlWidth - 2;
     if (IsRule(comment)) comment = comment.substr(0, kWidth);
-    const std::string margin(std::min(comment.find_first_not_of(" "), kWidth / 2), ' ');
+    const std::size_t blanks = std::min(comment.find_first_not_of(' '), comment.size());
+    const bool fits = comment.size() <= kWidth;
+    const std::string margin(fits ? blanks : std::min(blanks, kWidth / 2), ' ');
     std::string lines;
-    for (std::string_view part : CutText(comment, kWidth - margin.size(), false)) {
-        part = WithoutLastBlanks(part);
-        lines += fmt::format("--{}{}\n", lines.empty() || comment.empty() ? "" : margin, part);
+    for (const std::string_view part :
+         CutText(comment.substr(blanks), kWidth - margin.size(), false)) {
+        lines += fmt::format("--{}{}\n", margin, WithoutLastBlanks(part));
     }
     return lines;
 }

@@ -47,6 +47,13 @@ std::string NewError(const Description& original, const Description& written) {
     return {};
 }
 
+// Words behind the last field that an entry of the register can have.
+bool HasSurplusFields(const bscan::Facts& facts) {
+    constexpr int kMostFields = 7;
+    return std::any_of(facts.cells.begin(), facts.cells.end(),
+                       [](const bscan::Cell& cell) { return cell.field_count > kMostFields; });
+}
+
 std::string PackageNames(const bscan::Facts& facts) {
     std::vector<std::string> names;
     for (const bscan::PinMap& map : facts.pin_maps) names.push_back(Printable(map.name.text));
@@ -88,7 +95,7 @@ int FormatFile(const FormatOptions& options) {
     if (!error.empty()) {
         return Report(options, "an error hides facts, which would be lost: " + Printable(error));
     }
-    if (BsdlText(written.GetFacts(), options.package) != text) {
+    if (BsdlText(written.GetFacts(), options.package) != text || HasSurplusFields(facts)) {
         return Report(options, "the facts cannot be written so that they are read again");
     }
     return Finish(options, loaded.text, text);
