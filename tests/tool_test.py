@@ -9,6 +9,7 @@ import io
 import json
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import sys
@@ -114,7 +115,9 @@ class ToolTest(unittest.TestCase):
     def test_usage(self):
         bad = [[], ["wrong"], ["show"], ["show", HUB, "--format", "xml"], ["drive", HUB],
                ["drive", HUB, "D=2"], ["drive", HUB, "=1"], ["observe", HUB],
-               ["observe", HUB, "--capture", "012"], ["check", HUB, "--jobs", "0"],
+               ["observe", HUB, "--capture", "012"], ["check", HUB, "--jobs", "0"], ["check"],
+               ["check", HUB, "--rule", "none"], ["check", "--explain", "none"],
+               ["check", HUB, "--format", "xml"],
                ["diff", HUB], ["diff", HUB, "none.bsd"]]
         for args in bad:
             with self.subTest(args=args):
@@ -190,6 +193,68 @@ class ToolTest(unittest.TestCase):
                          [("-21", "no-entity"), ("0", ""), ("-10", "")])
         self.assertEqual(run("check", DEVICES).returncode, 0)
         self.assertEqual(run("check", deep.parent / "none", deep).returncode, 1)
+
+    def test_check_chooses_rules_and_explains_them(self):
+        path = self.write_hub("two.bsd", ("BC_7, D(7), bidir", "BC_7, D(7), input"),
+                              ("(000000),", "(000 000),"))
+        def found(*args, status):
+            result = run("check", "--json", *args, path)
+            self.assertEqual(result.returncode, status)
+            return [finding["rule"] for finding in json.loads(result.stdout)["findings"]]
+        self.assertEqual(found(status=1), ["blank-in-bits", "control-unneeded"])
+        self.assertEqual(found("--rule", "blank-in-bits", status=0), ["blank-in-bits"])
+        self.assertEqual(found("--no-rule", "control-unneeded", status=0), ["blank-in-bits"])
+        self.assertEqual(found("--no-rule", "control-unneeded", "--strict", status=1), ["blank-in-bits"])
+        self.assertEqual(found("--no-rule", "control-unneeded,blank-in-bits", "--strict", status=0), [])
+        summary = run("check", path, path).stdout.splitlines()[-3:]
+        self.assertEqual(summary[:2], ["      2 error    control-unneeded",
+                                       "      2 warning  blank-in-bits"])
+        self.assertIn("errors, 2 warnings", summary[2])
+        page = (ROOT / "docs" / "findings.md").read_text()
+        for rule in re.findall(r"^### (.*)$", page, re.MULTILINE):
+            section = run("check", "--explain", rule).stdout
+            self.assertTrue(section.startswith(rule + "\n\n"), rule)
+            self.assertIn("### " + section.rstrip(), page)
+            self.assertNotIn("#", section.split("```")[0])
+
+    def test_check_compares_the_reading_by_lines(self):
+        die = 'constant DIE : PIN_MAP_STRING :=\n"TDI : Z1";\n'
+        rows = [(("bit_vector(3 downto 0)", "bit_vector (3 downto 0)"), []),
+                (("    -- Ports that", die + "    -- Ports that"),
+                 [("elements with another package pin", 1)]),
+                (("bit_vector(3 downto 0)", "bit_vector(4 downto 1)"),
+                 [("cells tied to another element", 4)])]
+        for change, causes in rows:
+            with self.subTest(change):
+                path = self.write_hub("lines.bsd", change)
+                from_file, piped = (json.loads(run("check", "--json", "--lines", name,
+                                                   input=path.read_text()).stdout)["lines"]
+                                    for name in (path, "-"))
+                self.assertEqual(from_file, piped)
+                self.assertEqual((from_file["code"], from_file["line"]), (0, None))
+                self.assertEqual([(row["cause"], row["count"]) for row in from_file["differs"]], causes)
+        for old, new, code, _ in BROKEN:
+            path = self.write_hub("broken.bsd", (old, new))
+            lines = json.loads(run("check", "--json", "--lines", path).stdout)["lines"]
+            self.assertEqual(lines["code"], code or 0)
+            self.assertEqual(lines["line"] is None, not code)
+            self.assertRegex(run("check", "--lines", path).stdout,
+                             rf"{path}(:\d+)?: read by lines: .*" + (rf"\({code}\)" if code else "ok"))
+
+    def test_check_writes_sarif(self):
+        path = self.write_hub("a b.bsd", ("BC_7, D(7), bidir", "\u00e4 BC_7, D(7), input"))
+        log = json.loads(run("check", "--format", "sarif", path, "none.bsd").stdout)
+        self.assertEqual((log["version"], len(log["runs"])), ("2.1.0", 1))
+        rules = log["runs"][0]["tool"]["driver"]["rules"]
+        for result in log["runs"][0]["results"]:
+            self.assertEqual(rules[result["ruleIndex"]]["id"], result["ruleId"])
+            place = result["locations"][0]["physicalLocation"]
+            self.assertTrue(place["artifactLocation"]["uri"].endswith("/a%20b.bsd"))
+            line = path.read_text().splitlines()[place["region"]["startLine"] - 1]
+            words = line[place["region"]["startColumn"] - 1:place["region"]["endColumn"] - 1]
+            self.assertIn(words, result["message"]["text"])
+        unread = log["runs"][0]["invocations"][0]["toolExecutionNotifications"]
+        self.assertEqual([row["level"] for row in unread], ["error"])
 
     def test_capture_comes_from_a_file_or_standard_input(self):
         text = "1010 1010 # first eight\n0101_0101 1111 xX\n"

@@ -40,10 +40,17 @@ struct ObserveOptions {
 };
 int Observe(const ObserveOptions& options);
 
+enum class CheckFormat { kTable, kCsv, kJson, kSarif };
+
 struct CheckOptions {
     std::vector<std::string> files;
+    std::vector<std::string> rules;     ///< only these; all without one
+    std::vector<std::string> no_rules;  ///< but these
+    std::string explain;                ///< a rule; the files are not looked at
+    bool lines = false;
+    bool strict = false;
     int jobs = 0;  ///< 0 for one for each processor
-    Format format = Format::kTable;
+    CheckFormat format = CheckFormat::kTable;
 };
 int Check(const CheckOptions& options);
 

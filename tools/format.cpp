@@ -80,7 +80,7 @@ int Finish(const FormatOptions& options, const std::string& original, const std:
 
 int FormatFile(const FormatOptions& options) {
     const LoadedText loaded = LoadText(options.file);
-    if (loaded.code != bscan::kOk) return Report(options, bscan::Describe(loaded.code));
+    if (loaded.code != bscan::kOk) return Report(options, DescribeLoad(loaded.code));
     const Description original = Description::Parse(loaded.text, options.file.c_str());
     if (original.Result() != bscan::kOk) return Report(options, bscan::Describe(original.Result()));
     const bscan::Facts& facts = original.GetFacts();

@@ -100,15 +100,38 @@ void AddObserve(CLI::App& app, ObserveOptions& options) {
 }
 
 void AddCheck(CLI::App& app, CheckOptions& options) {
-    CLI::App* command = AddCommand(app, "check", "Tell which files can be read, and why not",
-                                   "bscan check --jobs 4 devices/ other.bsdl");
-    command->add_option("FILE", options.files, "Files, and folders to be searched for BSDL files")
-        ->required()
+    CLI::App* command = AddCommand(app, "check", "Tell what is wrong with files, and where",
+                                   "bscan check --jobs 4 devices/ other.bsdl\n"
+                                   "  bscan check --explain cell-control");
+    command
+        ->add_option("FILE", options.files,
+                     "Files, folders to be searched for BSDL files, - for standard input")
         ->type_name("");
+    const auto add_rules = [&](const char* name, auto& rules, const char* purpose) {
+        command->add_option(name, rules, purpose)
+            ->type_name("RULE")
+            ->allow_extra_args(false)
+            ->delimiter(',');
+    };
+    add_rules("--rule", options.rules, "Tell only findings of this rule; may be repeated");
+    add_rules("--no-rule", options.no_rules, "Tell no findings of this rule; may be repeated");
+    command->add_option("--explain", options.explain, "Print what a rule is about")
+        ->type_name("RULE");
+    command->add_flag("--lines", options.lines,
+                      "Tell what reading by lines makes of the files, too");
+    command->add_flag("--strict", options.strict, "Warnings count as errors do");
     command->add_option("-j,--jobs", options.jobs, "Files to read at a time (one per processor)")
         ->check(CLI::Range(1, 256).description(""))
         ->type_name("N");
-    AddFormat(command, options.format);
+    const std::map<std::string, CheckFormat> formats = {{"table", CheckFormat::kTable},
+                                                        {"csv", CheckFormat::kCsv},
+                                                        {"json", CheckFormat::kJson},
+                                                        {"sarif", CheckFormat::kSarif}};
+    command->add_option("--format", options.format, "table, csv, json or sarif")
+        ->transform(CLI::Transformer(formats).description(""))
+        ->type_name("FORMAT");
+    command->add_flag_callback(
+        "--json", [&options] { options.format = CheckFormat::kJson; }, "The same as --format json");
 }
 
 void AddDiff(CLI::App& app, DiffOptions& options) {

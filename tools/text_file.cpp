@@ -40,6 +40,11 @@ LoadedText LoadText(const std::string& path) {
     return file == nullptr ? LoadedText{bscan::kCannotOpen, {}} : LoadStream(file.get());
 }
 
+std::string DescribeLoad(int code) {
+    if (code != bscan::kTextTooLong) return bscan::Describe(code);
+    return fmt::format("the file has more than {} MiB", bscan::kMaxDescriptionLength >> 20);
+}
+
 bool SaveText(const char* command, const std::string& path, const std::string& text) {
     if (path.empty() || path == kStandardInput) {
         Write(stdout, text);

@@ -17,6 +17,9 @@ struct LoadedText {
 /// Reads a file of at most kMaxDescriptionLength bytes; `-` is standard input.
 LoadedText LoadText(const std::string& path);
 
+/// Why a text was not loaded.
+std::string DescribeLoad(int code);
+
 /// Writes a text to a file, or prints it where @p path is empty or `-`.
 /// @param command  in front of the report of what goes wrong.
 /// @return whether all was written.
