@@ -14,12 +14,12 @@
 #include "sarif.h"
 #include "terminal.h"
 #include "text_file.h"
+#include "thread_pool.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <map>
-#include <thread>
 
 namespace tool {
 namespace {
@@ -195,10 +195,6 @@ private:
     std::size_t printed_ = 0;
 };
 
-int Jobs(int asked) {
-    return asked > 0 ? asked : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-}
-
 int Misused(const std::string& reason) {
     Write(stderr, fmt::format("bscan check: {}\n", reason));
     return kUsage;
@@ -235,7 +231,7 @@ int Check(const CheckOptions& options) {
     }
     Printer printer(files, options);
     RunInProcesses(
-        files.size(), Jobs(options.jobs),
+        files.size(), JobCount(options.jobs),
         [&](std::size_t index) {
             const std::vector<std::uint8_t> bytes = Json::to_cbor(CheckFile(options, files[index]));
             return std::string(bytes.begin(), bytes.end());

@@ -75,6 +75,13 @@ struct FormatOptions {
 };
 int FormatFile(const FormatOptions& options);
 
+struct IdentifyOptions {
+    std::vector<std::string> words;  ///< IDCODEs, and files and folders
+    int jobs = 0;                    ///< 0 for one for each processor
+    Format format = Format::kTable;
+};
+int Identify(const IdentifyOptions& options);
+
 /// Steps from a file, and behind them those of the command line.
 struct StepOptions {
     std::string file;

@@ -22,6 +22,7 @@ struct Options {
     DiffOptions diff;
     DrawOptions draw;
     FormatOptions format;
+    IdentifyOptions identify;
     LiveOptions live;
     SimulateOptions simulate;
     SvfOptions svf;
@@ -147,6 +148,22 @@ void AddDraw(CLI::App& app, DrawOptions& options) {
                                    "bscan draw device.bsd device.svg");
     AddFile(command, "FILE", options.file, "The BSDL file");
     AddFile(command, "OUT.svg", options.output, "The drawing to write; - for standard output");
+}
+
+void AddIdentify(CLI::App& app, IdentifyOptions& options) {
+    CLI::App* command = AddCommand(app, "identify", "Tell which files describe a device",
+                                   "bscan identify 0x4BA00477 devices/\n"
+                                   "\n"
+                                   "An IDCODE has 8 hexadecimal digits, or 32 bits behind 0b.");
+    command
+        ->add_option("IDCODE|FOLDER", options.words,
+                     "IDCODEs, and the files and folders to search (the current folder)")
+        ->required()
+        ->type_name("");
+    command->add_option("-j,--jobs", options.jobs, "Files to read at a time (one per processor)")
+        ->check(CLI::Range(1, 256).description(""))
+        ->type_name("N");
+    AddFormat(command, options.format);
 }
 
 void AddFormatCommand(CLI::App& app, FormatOptions& options) {
@@ -351,6 +368,7 @@ int Dispatch(const CLI::App& app, const Options& options) {
         {"diff", [&] { return Diff(options.diff); }},
         {"draw", [&] { return Draw(options.draw); }},
         {"format", [&] { return FormatFile(options.format); }},
+        {"identify", [&] { return Identify(options.identify); }},
         {"live", [&] { return Live(options.live); }},
         {"simulate", [&] { return Simulate(options.simulate); }},
         {"svf", [&] { return Svf(options.svf); }},
@@ -369,6 +387,7 @@ int Run(int argc, const char* const* argv) {
     AddDiff(app, options.diff);
     AddDraw(app, options.draw);
     AddFormatCommand(app, options.format);
+    AddIdentify(app, options.identify);
     AddLive(app, options.live);
     AddSimulate(app, options.simulate);
     AddSvf(app, options.svf);
