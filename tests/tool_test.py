@@ -383,6 +383,26 @@ class ToolTest(unittest.TestCase):
                 self.assertIn("bscan format: ", result.stderr)
                 self.assertFalse((self.folder / "none").exists())
 
+    def test_identify(self):
+        self.write_hub("x.bsd", ('"0010" &', '"XXXX" &'))
+        self.write_hub("two.bsd", ('"1";', '"1, 0010" & "0000000001100000111111111111";'))
+        def found(*args):
+            result = run("identify", "--json", *args, cwd=self.folder)
+            rows = [(row["idcode"][2:], row["version"], row["file"] and row["file"][2:])
+                    for row in json.loads(result.stdout)]
+            return rows, result.returncode
+        self.assertEqual(found("0x2003_0FFD"), ([("20030FFD", "same", "two.bsd"),
+                                                 ("20030FFD", "same", "x.bsd")], 0))
+        self.assertEqual(found("30030FFD", "20060fff"),
+                         ([("30030FFD", "same", "x.bsd"), ("30030FFD", "another", "two.bsd"),
+                           ("20060FFF", "same", "two.bsd")], 0))
+        self.assertEqual(found("0b" + "01" * 16), ([("55555555", None, None)], 1))
+        result = run("identify", "20030FFD", DEVICES, "none.bsd", "--format", "csv")
+        self.assertIn(f",LINK_HUB,BGA48,6,same,{DEVICES / HUB}", result.stdout)
+        self.assertIn("none.bsd: the file cannot be opened", result.stderr)
+        for usage in (["."], ["0x123456789"], ["0b1"]):
+            self.assertEqual(run("identify", *usage).returncode, 2)
+
     def test_odd_bytes_are_escaped(self):
         path = self.write_hub("odd.bsd", ("RST_N   : in", ODD + " : in"),
                               ("RST_N   : C2", ODD + " : C2"))
@@ -437,9 +457,11 @@ class ToolTest(unittest.TestCase):
         except ImportError:
             self.skipTest("needs python3-jsonschema")
         schema = json.loads((ROOT / "docs" / "bscan.schema.json").read_text())
+        path = self.write_hub("lines.bsd", ("bit_vector(3 downto 0)", "bit_vector(4 downto 1)"))
         runs = [["show", HUB], ["show", BUS, "--pins", "--cells", "--instructions"],
                 ["drive", HUB, "D=1", "X=1"], ["observe", BUS, "--capture", "x" * 22],
-                ["check", HUB], ["check", "none.bsd"], ["diff", HUB, BUS]]
+                ["check", HUB], ["check", "none.bsd"], ["check", "--lines", path],
+                ["identify", "0x20030FFD", "FFFFFFFF"], ["diff", HUB, BUS]]
         for args in runs:
             with self.subTest(args=args):
                 jsonschema.validate(json.loads(run(*args, "--json").stdout), schema)

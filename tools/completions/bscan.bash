@@ -11,25 +11,28 @@ _bscan() {
     local command=${COMP_WORDS[1]} options=
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        COMPREPLY=($(compgen -W 'show drive observe check diff draw svf openocd live simulate --help --version' -- "$current"))
+        COMPREPLY=($(compgen -W 'show drive observe check format identify diff draw svf openocd live simulate --help --version' -- "$current"))
         return
     fi
     case $previous in
         --format)
-            COMPREPLY=($(compgen -W 'table csv json' -- "$current"))
+            [[ $command == check ]] && options=sarif
+            COMPREPLY=($(compgen -W "table csv json $options" -- "$current"))
             return ;;
         --capture-file | --chain | --steps | --output | -o)
             compopt -o filenames 2>/dev/null
             COMPREPLY=($(compgen -f -- "$current"))
             return ;;
-        --capture | --jobs | -j | --do | --frequency | --from-sample)
+        --capture | --rule | --no-rule | --explain | --package | --jobs | -j | --do | --frequency | --from-sample)
             return ;;
     esac
     case $command in
         show) options='--pins --cells --instructions --format --json --help' ;;
         drive | diff) options='--format --json --help' ;;
         observe) options='--capture --capture-file --format --json --help' ;;
-        check) options='--jobs --format --json --help' ;;
+        check) options='--rule --no-rule --explain --strict --lines --jobs --format --json --help' ;;
+        format) options='--output --package --check --help' ;;
+        identify) options='--jobs --format --json --help' ;;
         draw) options='--help' ;;
         svf) options='--chain --do --steps --output --frequency --from-sample --no-idcode --help' ;;
         openocd) options='--chain --output --help' ;;
