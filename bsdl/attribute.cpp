@@ -153,7 +153,9 @@ void KeepOther(SourceReader& source, const Attribute& attribute) {
     OtherStatement other;
     other.name = attribute.name;
     other.target = attribute.target.port;
+    other.target_index = attribute.target.index;
     other.target_class = attribute.target_class;
+    other.standard_name = attribute.standard_name;
     other.value = JoinedText(source.value, source.reading.joined).text;
     other.is_string = source.value.quoted;
     source.reading.facts.others.push_back(other);
@@ -193,6 +195,17 @@ void ReadAttributeValue(SourceReader& source, Attribute& attribute) {
     }
 }
 
+// ": TYPE;" behind the name of an attribute that is declared.
+void ReadDeclaration(SourceReader& source, const Word& name) {
+    source.declared.Add(name.text);
+    source.reading.found.Add(
+        Rule::kAttributeDeclared, name,
+        "the attribute " + Quoted(name.text) + " is declared within the entity", "");
+    source.lexer.Advance();
+    source.reading.facts.declarations.push_back({name, TakeWord(source.lexer)});
+    SkipStatement(source);
+}
+
 void SkipNameless(SourceReader& source) {
     source.reading.found.Add(Rule::kNameMissing, Behind(source.lexer.Last()),
                              "the attribute has no name", "write it behind `attribute`");
@@ -209,13 +222,7 @@ void ReadAttribute(SourceReader& source) {
     if (lexer.Current().Is("of")) return SkipNameless(source);
     attribute.name = TakeWord(lexer);
     if (!attribute.name.Exists()) return SkipUnknown(source);
-    if (lexer.Current().Is(':')) {
-        source.declared.Add(attribute.name.text);
-        source.reading.found.Add(
-            Rule::kAttributeDeclared, attribute.name,
-            "the attribute " + Quoted(attribute.name.text) + " is declared within the entity", "");
-        return SkipStatement(source);
-    }
+    if (lexer.Current().Is(':')) return ReadDeclaration(source, attribute.name);
     ReadHead(source, attribute);
     CheckEntity(source, attribute);
     ReadAttributeValue(source, attribute);

@@ -57,6 +57,17 @@ void SkipGeneric(Lexer& lexer) {
     }
 }
 
+void ReadOtherGeneric(SourceReader& source) {
+    Lexer& lexer = source.lexer;
+    const Word first = lexer.Current().word;
+    SkipGeneric(lexer);
+    const Word& last = lexer.Last();
+    const auto size = last.text.data() + last.text.size() - first.text.data();
+    if (size <= 0) return;
+    source.reading.facts.other_generics.push_back(
+        {{first.text.data(), static_cast<std::size_t>(size)}, first.line, first.column});
+}
+
 // Whether "NAME : TYPE" is another generic than that of the package.
 bool IsOther(Lexer ahead) {
     if (!ahead.Current().IsWord() || Slips(ahead.Current().word.text, kPinMapGeneric)) return false;
@@ -89,12 +100,12 @@ void ReadGeneric(SourceReader& source) {
 // The generics, of which only that of the package counts.
 void ReadGenerics(SourceReader& source) {
     Lexer& lexer = source.lexer;
-    for (; IsOther(lexer); lexer.Accept(';')) SkipGeneric(lexer);
+    for (; IsOther(lexer); lexer.Accept(';')) ReadOtherGeneric(source);
     ReadGeneric(source);
     Lexer ahead = lexer;
     if (ahead.Accept(';') && IsOther(ahead)) {
         lexer = ahead;
-        for (; IsOther(lexer); lexer.Accept(';')) SkipGeneric(lexer);
+        for (; IsOther(lexer); lexer.Accept(';')) ReadOtherGeneric(source);
     }
 }
 

@@ -172,17 +172,20 @@ ElementName ListReader::TakeElement() {
     return element;
 }
 
+// Behind the bits that a register captures, its power domain may be named.
+bool ListReader::BitsGoOn() const { return Current().IsWord() && !Current().Is("DOMAIN"); }
+
 Word ListReader::TakeBits(int length) {
     Word bits = TakeWord();
     // The next word is a row of its own, which lacks a comma, when this one is complete.
     if (length > 0 && bits.text.size() == static_cast<std::size_t>(length)) return bits;
-    if (!Current().IsWord() && !Contains(bits.text, '_')) return bits;
-    if (Current().IsWord()) {
+    if (!BitsGoOn() && !Contains(bits.text, '_')) return bits;
+    if (BitsGoOn()) {
         reading_.found.Add(Rule::kBlankInBits, Behind(bits),
                            "there is a blank behind " + Quoted(bits.text), "leave it out");
     }
     std::string& joined = reading_.joined.emplace_back(bits.text);
-    for (; Current().IsWord(); Advance()) joined += Current().word.text;
+    for (; BitsGoOn(); Advance()) joined += Current().word.text;
     std::erase(joined, '_');
     bits.text = joined;
     return bits;

@@ -58,6 +58,7 @@ public:
 
 private:
     bool IsNewEntry(std::string_view entry_marks) const;
+    bool BitsGoOn() const;
     bool CutIndex(ElementName& element);
     bool ReplacesMark(char mark) const;
 

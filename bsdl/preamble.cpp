@@ -4,6 +4,7 @@
 #include "bsdl/source_reader.h"
 #include "bsdl/spelling.h"
 
+#include <utility>
 #include <vector>
 
 namespace bscan::detail {
@@ -12,6 +13,7 @@ namespace {
 struct Preamble {
     Word text;  // the first word that neither belongs to a package nor to a use clause
     std::vector<Word> use_clauses;
+    std::vector<Word> packages;
 };
 
 Token TokenBehind(Lexer lexer, int count) {
@@ -45,10 +47,16 @@ bool LooksLikeEntity(const Lexer& lexer) {
 }
 
 // "package NAME is ... end NAME;", and the same with "package body".
-void SkipPackage(Lexer& lexer) {
+Word TakePackage(Lexer& lexer) {
+    Word package = lexer.Current().word;
     while (!lexer.Current().IsEnd() && !lexer.Current().Is("end")) lexer.Advance();
     while (!lexer.Current().IsEnd() && !lexer.Current().Is(';')) lexer.Advance();
     lexer.Accept(';');
+    const Word& last = lexer.Last();
+    package.text = {
+        package.text.data(),
+        static_cast<std::size_t>(last.text.data() + last.text.size() - package.text.data())};
+    return package;
 }
 
 bool BeginsPackage(const Lexer& lexer) {
@@ -56,7 +64,7 @@ bool BeginsPackage(const Lexer& lexer) {
 }
 
 void Step(Lexer& lexer, Preamble& preamble) {
-    if (BeginsPackage(lexer)) return SkipPackage(lexer);
+    if (BeginsPackage(lexer)) return preamble.packages.push_back(TakePackage(lexer));
     if (lexer.Current().Is("use") && TokenBehind(lexer, 2).Is(';')) {
         lexer.Advance();
         preamble.use_clauses.push_back(lexer.Current().word);
@@ -108,7 +116,7 @@ void ReadEntityHead(SourceReader& source) {
 bool ReadPreamble(SourceReader& source) {
     Lexer& lexer = source.lexer;
     Reading& reading = source.reading;
-    const Preamble preamble = FindEntity(lexer);
+    Preamble preamble = FindEntity(lexer);
     if (lexer.Current().IsEnd()) return false;
     const char* const begin = lexer.Current().word.text.data();
     reading.facts.preamble = {reading.text.data(),
@@ -123,6 +131,7 @@ bool ReadPreamble(SourceReader& source) {
                           "write it behind the port clause");
         reading.facts.use_clauses.push_back(use);
     }
+    reading.facts.packages = std::move(preamble.packages);
     ReadEntityHead(source);
     return true;
 }
@@ -132,7 +141,7 @@ void ReadBehindEntity(SourceReader& source) {
     Lexer& lexer = source.lexer;
     while (BeginsPackage(lexer) || lexer.Current().Is("use") || lexer.Current().Is("library")) {
         if (lexer.Current().Is("package")) {
-            SkipPackage(lexer);
+            source.reading.facts.packages.push_back(TakePackage(lexer));
         } else {
             SkipStatement(source);
         }

@@ -30,6 +30,8 @@ bool CutLength(ListReader& list, RegisterAccess& access) {
     const std::string_view name = access.name.text;
     const std::string_view digits = name.substr(name.find_last_not_of("0123456789") + 1);
     access.length = ParseInteger(digits);
+    access.length_word = {digits, access.name.line, access.name.column};
+    access.length_word.column += static_cast<int>(name.size() - digits.size());
     access.name.text.remove_suffix(digits.size());
     FindMissing(list.GetReading(), Rule::kParenthesisMissing, access.name, "[");
     list.Advance();
@@ -56,6 +58,7 @@ void ReadRegisterLength(ListReader& list, RegisterAccess& access) {
     const bool unopened = list.Current().IsWord() && list.Next().Is(']');
     if (CutLength(list, access) || (!list.Current().Is('[') && !unopened)) return;
     list.Expect('[', Rule::kParenthesisMissing);
+    if (list.Current().IsWord()) access.length_word = list.Current().word;
     // "[*]" leaves the length to other attributes.
     if (list.Current().Is("*")) {
         list.Advance();
@@ -85,7 +88,7 @@ void ReadInstructions(ListReader& list, RegisterAccess& access) {
         // The domain in which a register is powered is known since 2013.
         if (list.Current().Is("DOMAIN") && list.Next().IsWord()) {
             list.Advance();
-            list.Advance();
+            instruction.domain = list.TakeWord();
         }
         if (instruction.name.Exists()) access.instructions.push_back(instruction);
     } while (list.NextItem("(["));

@@ -34,8 +34,9 @@ void FindUnexpected(Reading& reading, const Word& word, std::string_view meant) 
                       "write " + std::string(meant));
 }
 
-ClockStop TakeClockStop(ListReader& list) {
+ClockStop TakeClockStop(ListReader& list, Word& word) {
     const Token stop = list.Current();
+    word = stop.word;
     list.Advance();
     for (const ClockStopRow& row : kClockStops) {
         if (stop.Is(row.word)) return row.meaning;
@@ -90,7 +91,7 @@ void ReadTapClock(SourceReader& source, const Attribute& attribute) {
     ListReader list(source);
     list.Open();
     TakeFrequency(list, tap);
-    if (list.NextItem("")) tap.clock_stop = TakeClockStop(list);
+    if (list.NextItem("")) tap.clock_stop = TakeClockStop(list, tap.clock_stop_word);
     list.NextItem("");
     list.Close();
     list.ExpectEnd();

@@ -9,6 +9,7 @@ import io
 import json
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import sys
@@ -46,6 +47,7 @@ GOLDEN_RUNS = [
     ("long.svf", 0, ["svf", BUS, "X=ir:300", "--no-idcode", "--frequency", "123.9", "--do",
                      "drive READY=1", "--from-sample", "U1=" + "01" * 11]),
     ("chain.cfg", 0, ["openocd", "--chain", CHAIN]),
+    ("format_untidy.bsd", 0, ["format", ROOT / "tests" / "devices" / "untidy.bsd"]),
 ]
 
 # What is replaced in link_hub.bsd, the code of a reading by lines, and where `check` finds what.
@@ -119,7 +121,9 @@ class ToolTest(unittest.TestCase):
     def test_usage(self):
         bad = [[], ["wrong"], ["show"], ["show", HUB, "--format", "xml"], ["drive", HUB],
                ["drive", HUB, "D=2"], ["drive", HUB, "=1"], ["observe", HUB],
-               ["observe", HUB, "--capture", "012"], ["check", HUB, "--jobs", "0"],
+               ["observe", HUB, "--capture", "012"], ["check", HUB, "--jobs", "0"], ["check"],
+               ["check", HUB, "--rule", "none"], ["check", "--explain", "none"],
+               ["check", HUB, "--format", "xml"],
                ["diff", HUB], ["diff", HUB, "none.bsd"]]
         for args in bad:
             with self.subTest(args=args):
@@ -288,6 +292,71 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(run("check", DEVICES).returncode, 0)
         self.assertEqual(run("check", deep.parent / "none", deep).returncode, 1)
 
+    def test_check_chooses_rules_and_explains_them(self):
+        path = self.write_hub("two.bsd", ("BC_7, D(7), bidir", "BC_7, D(7), input"),
+                              ("(000000),", "(000 000),"))
+        def found(*args, status):
+            result = run("check", "--json", *args, path)
+            self.assertEqual(result.returncode, status)
+            return [finding["rule"] for finding in json.loads(result.stdout)["findings"]]
+        self.assertEqual(found(status=1), ["blank-in-bits", "control-unneeded"])
+        self.assertEqual(found("--rule", "blank-in-bits", status=0), ["blank-in-bits"])
+        self.assertEqual(found("--no-rule", "control-unneeded", status=0), ["blank-in-bits"])
+        strict = ["--strict", "--no-rule", "control-unneeded"]
+        self.assertEqual(found(*strict, status=1), ["blank-in-bits"])
+        self.assertEqual(found(*strict, "--no-rule", "blank-in-bits", status=0), [])
+        summary = run("check", path, path).stdout.splitlines()[-3:]
+        self.assertEqual(summary[:2], ["      2 error    control-unneeded",
+                                       "      2 warning  blank-in-bits"])
+        self.assertIn("errors, 2 warnings", summary[2])
+        page = (ROOT / "docs" / "findings.md").read_text()
+        for rule in re.findall(r"^### (.*)$", page, re.MULTILINE):
+            section = run("check", "--explain", rule).stdout
+            self.assertTrue(section.startswith(rule + "\n\n"), rule)
+            self.assertIn("### " + section.rstrip(), page)
+            self.assertNotIn("#", section.split("```")[0])
+
+    def test_check_compares_the_reading_by_lines(self):
+        die = 'constant DIE : PIN_MAP_STRING :=\n"TDI : Z1";\n'
+        rows = [(("bit_vector(3 downto 0)", "bit_vector (3 downto 0)"), []),
+                (("    -- Ports that", die + "    -- Ports that"),
+                 [("elements with another package pin", 1)]),
+                (("bit_vector(3 downto 0)", "bit_vector(4 downto 1)"),
+                 [("cells tied to another element", 4)])]
+        for change, causes in rows:
+            with self.subTest(change):
+                path = self.write_hub("lines.bsd", change)
+                from_file, piped = (json.loads(run("check", "--json", "--lines", name,
+                                                   input=path.read_text()).stdout)["lines"]
+                                    for name in (path, "-"))
+                self.assertEqual(from_file, piped)
+                self.assertEqual((from_file["code"], from_file["line"]), (0, None))
+                differs = [(row["cause"], row["count"]) for row in from_file["differs"]]
+                self.assertEqual(differs, causes)
+        for old, new, code, _ in BROKEN:
+            path = self.write_hub("broken.bsd", (old, new))
+            lines = json.loads(run("check", "--json", "--lines", path).stdout)["lines"]
+            self.assertEqual(lines["code"], code or 0)
+            self.assertEqual(lines["line"] is None, not code)
+            self.assertRegex(run("check", "--lines", path).stdout,
+                             rf"{path}(:\d+)?: read by lines: .*"
+                             + (rf"\({code}\)" if code else "ok"))
+
+    def test_check_writes_sarif(self):
+        path = self.write_hub("a b.bsd", ("BC_7, D(7), bidir", "\u00e4 BC_7, D(7), input"))
+        log = json.loads(run("check", "--format", "sarif", path, "none.bsd").stdout)
+        self.assertEqual((log["version"], len(log["runs"])), ("2.1.0", 1))
+        rules = log["runs"][0]["tool"]["driver"]["rules"]
+        for result in log["runs"][0]["results"]:
+            self.assertEqual(rules[result["ruleIndex"]]["id"], result["ruleId"])
+            place = result["locations"][0]["physicalLocation"]
+            self.assertTrue(place["artifactLocation"]["uri"].endswith("/a%20b.bsd"))
+            line = path.read_text().splitlines()[place["region"]["startLine"] - 1]
+            words = line[place["region"]["startColumn"] - 1:place["region"]["endColumn"] - 1]
+            self.assertIn(words, result["message"]["text"])
+        unread = log["runs"][0]["invocations"][0]["toolExecutionNotifications"]
+        self.assertEqual([row["level"] for row in unread], ["error"])
+
     def test_capture_comes_from_a_file_or_standard_input(self):
         text = "1010 1010 # first eight\n0101_0101 1111 xX\n"
         (self.folder / "capture").write_text(text)
@@ -376,6 +445,66 @@ class ToolTest(unittest.TestCase):
                                        "cell 27: BC_1 output3, control cell 26")
         self.assertEqual(run("draw", HUB, self.folder / "none" / "x.svg").returncode, 1)
 
+    def test_format_writes_what_it_reads(self):
+        files = [*DEVICES.glob("*.bsd"), *(ROOT / "tests" / "devices").glob("*.bsd"),
+                 *(ROOT.parent / "shared" / "devices").glob("*")]
+        for file in files:
+            with self.subTest(file.name):
+                result = run("format", file, "-o", self.folder / "clean.bsd")
+                self.assertEqual((result.stdout, result.returncode), ("", 0), result.stderr)
+                again = run("format", "--check", self.folder / "clean.bsd")
+                self.assertEqual((again.stdout, again.returncode), ("", 0))
+                clean = (self.folder / "clean.bsd").read_text()
+                wide = [line for line in clean.splitlines() if len(line) > 100]
+                self.assertEqual([line for line in wide if " " in line[4:-2].strip("- ")], [])
+                before, after = (json.loads(run("check", "--json", path).stdout)["findings"]
+                                 for path in (file, self.folder / "clean.bsd"))
+                self.assertLessEqual(len(after), len(before))
+
+    def test_format_chooses_a_package(self):
+        path = self.write_hub("two.bsd", ("    constant BGA48",
+                                          '    constant DIE : PIN_MAP_STRING :=\n"TDI : 1";\n'
+                                          "    constant BGA48"))
+        piped = run("format", "-", "--package", "die", input=path.read_text())
+        self.assertIn(':= "DIE")', piped.stdout)
+        result = run("format", path, "--package", "QFP")
+        self.assertEqual((result.stdout, result.returncode), ("", 1))
+        self.assertIn("it has DIE, BGA48", result.stderr)
+        result = run("format", path, "--check")
+        self.assertEqual((result.stdout, result.returncode), (f"{path}: would change\n", 1))
+
+    def test_format_writes_nothing_that_loses_facts(self):
+        lost = self.write_hub("lost.bsd", ("REF_P   : in bit;", "REF_P   : in bit"),
+                              ("BC_4, REF_P, input, X", "BC_4, REF_P, input, X, 1, 1, Z, Z"))
+        files = [lost, self.folder, "none.bsd", self.write_hub("empty.bsd")]
+        files[-1].write_bytes(b"")
+        for file in files:
+            with self.subTest(file=file):
+                result = run("format", file, "-o", self.folder / "none")
+                self.assertEqual(result.returncode, 1)
+                self.assertIn("bscan format: ", result.stderr)
+                self.assertFalse((self.folder / "none").exists())
+
+    def test_identify(self):
+        self.write_hub("x.bsd", ('"0010" &', '"XXXX" &'))
+        self.write_hub("two.bsd", ('"1";', '"1, 0010" & "0000000001100000111111111111";'))
+        def found(*args):
+            result = run("identify", "--json", *args, cwd=self.folder)
+            rows = [(row["idcode"][2:], row["version"], row["file"] and row["file"][2:])
+                    for row in json.loads(result.stdout)]
+            return rows, result.returncode
+        self.assertEqual(found("0x2003_0FFD"), ([("20030FFD", "same", "two.bsd"),
+                                                 ("20030FFD", "same", "x.bsd")], 0))
+        self.assertEqual(found("30030FFD", "20060fff"),
+                         ([("30030FFD", "same", "x.bsd"), ("30030FFD", "another", "two.bsd"),
+                           ("20060FFF", "same", "two.bsd")], 0))
+        self.assertEqual(found("0b" + "01" * 16), ([("55555555", None, None)], 1))
+        result = run("identify", "20030FFD", DEVICES, "none.bsd", "--format", "csv")
+        self.assertIn(f",LINK_HUB,BGA48,6,same,{DEVICES / HUB}", result.stdout)
+        self.assertIn("none.bsd: the file cannot be opened", result.stderr)
+        for usage in (["."], ["0x123456789"], ["0b1"]):
+            self.assertEqual(run("identify", *usage).returncode, 2)
+
     def test_odd_bytes_are_escaped(self):
         path = self.write_hub("odd.bsd", ("RST_N   : in", ODD + " : in"),
                               ("RST_N   : C2", ODD + " : C2"))
@@ -431,9 +560,12 @@ class ToolTest(unittest.TestCase):
         except ImportError:
             self.skipTest("needs python3-jsonschema")
         schema = json.loads((ROOT / "docs" / "bscan.schema.json").read_text())
-        runs = [["show", HUB, "--all"], ["show", HUB, "--lines"], ["show", BUS, "--pins", "--cells", "--instructions"],
+        path = self.write_hub("lines.bsd", ("bit_vector(3 downto 0)", "bit_vector(4 downto 1)"))
+        runs = [["show", HUB, "--all"], ["show", HUB, "--lines"],
+                ["show", BUS, "--pins", "--cells", "--instructions"],
                 ["drive", HUB, "D=1", "X=1"], ["observe", BUS, "--capture", "x" * 22],
-                ["check", HUB], ["check", "none.bsd"], ["diff", HUB, BUS],
+                ["check", HUB], ["check", "none.bsd"], ["check", "--lines", path],
+                ["identify", "0x20030FFD", "FFFFFFFF"], ["diff", HUB, BUS],
                 ["show", BUS, "--pins", "--all"]]
         for args in runs:
             with self.subTest(args=args):

@@ -45,10 +45,17 @@ struct ObserveOptions {
 };
 int Observe(const ObserveOptions& options);
 
+enum class CheckFormat { kTable, kCsv, kJson, kSarif };
+
 struct CheckOptions {
     std::vector<std::string> files;
+    std::vector<std::string> rules;     ///< only these; all without one
+    std::vector<std::string> no_rules;  ///< but these
+    std::string explain;                ///< a rule; the files are not looked at
+    bool lines = false;
+    bool strict = false;
     int jobs = 0;  ///< 0 for one for each processor
-    Format format = Format::kTable;
+    CheckFormat format = CheckFormat::kTable;
 };
 int Check(const CheckOptions& options);
 
@@ -64,6 +71,21 @@ struct DrawOptions {
     std::string output;
 };
 int Draw(const DrawOptions& options);
+
+struct FormatOptions {
+    std::string file;
+    std::string output;
+    std::string package;
+    bool check = false;
+};
+int FormatFile(const FormatOptions& options);
+
+struct IdentifyOptions {
+    std::vector<std::string> words;  ///< IDCODEs, and files and folders
+    int jobs = 0;                    ///< 0 for one for each processor
+    Format format = Format::kTable;
+};
+int Identify(const IdentifyOptions& options);
 
 /// Steps from a file, and behind them those of the command line.
 struct StepOptions {

@@ -58,10 +58,10 @@ int Device::Read(const Capture* capture) {
 
 int Device::ReadDescription() {
     if (file_.path == "-") {
-        const std::optional<std::string> text = ReadText(file_.path);
-        if (!text) return bscan::kCannotOpen;
+        const LoadedText loaded = LoadText(file_.path);
+        if (loaded.code != bscan::kOk) return loaded.code;
         description_ = std::make_unique<bscan::Description>(
-            bscan::Description::Parse(*text, file_.path.c_str()));
+            bscan::Description::Parse(loaded.text, file_.path.c_str()));
     } else {
         description_ =
             std::make_unique<bscan::Description>(bscan::Description::Read(file_.path.c_str()));
@@ -74,9 +74,9 @@ int Device::ReadByLines() {
     std::unique_ptr<TextInMemory> memory;
     std::string path = file_.path;
     if (path == "-") {
-        const std::optional<std::string> text = ReadText(path);
-        if (!text) return bscan::kCannotOpen;
-        memory = std::make_unique<TextInMemory>(*text);
+        const LoadedText loaded = LoadText(path);
+        if (loaded.code != bscan::kOk) return loaded.code;
+        memory = std::make_unique<TextInMemory>(loaded.text);
         path = memory->Path();
     }
     int code = parser_.Initialize(path.c_str(), nullptr);

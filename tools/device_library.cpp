@@ -5,13 +5,16 @@
 #include "commands.h"
 #include "file_list.h"
 #include "printable.h"
-#include "progress.h"
 #include "table.h"
+#include "text_file.h"
+#include "thread_pool.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 namespace tool {
 namespace {
@@ -62,23 +65,41 @@ LibraryMatch MakeMatch(std::uint32_t idcode, const std::string& file, const bsca
     return match;
 }
 
+// What one file says to the question.
+struct Answer {
+    int code = bscan::kOk;
+    std::vector<LibraryMatch> matches;
+};
+
+Answer Ask(const std::string& file, const std::vector<std::uint32_t>& idcodes) {
+    const LoadedText loaded = LoadText(file);
+    if (loaded.code != bscan::kOk) return {loaded.code, {}};
+    const auto description = bscan::Description::Parse(loaded.text, file.c_str());
+    Answer answer{description.Result(), {}};
+    for (const std::uint32_t idcode : idcodes) {
+        const Fit fit = FitOf(description.GetFacts(), idcode);
+        if (fit == Fit::kNone) continue;
+        answer.matches.push_back(MakeMatch(idcode, file, description.GetFacts(), fit));
+    }
+    return answer;
+}
+
 }  // namespace
 
 std::vector<LibraryMatch> FindMatches(const std::vector<std::uint32_t>& idcodes,
-                                      const std::vector<std::string>& paths) {
+                                      const std::vector<std::string>& paths, int jobs) {
     const std::vector<std::string> files = FindFiles(paths);
+    std::vector<Answer> answers(files.size());
+    RunInThreads(files.size(), jobs, [&](std::size_t i) { answers[i] = Ask(files[i], idcodes); });
     std::vector<LibraryMatch> matches;
-    Progress progress(files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
-        progress.Show(i);
-        const bscan::Description description = bscan::Description::Read(files[i].c_str());
-        for (const std::uint32_t idcode : idcodes) {
-            const Fit fit = FitOf(description.GetFacts(), idcode);
-            if (fit == Fit::kNone) continue;
-            matches.push_back(MakeMatch(idcode, files[i], description.GetFacts(), fit));
+        if (answers[i].code != bscan::kOk) {
+            Write(stderr, fmt::format("bscan: {}: {}\n", Printable(files[i]),
+                                      DescribeLoad(answers[i].code)));
         }
+        std::move(answers[i].matches.begin(), answers[i].matches.end(),
+                  std::back_inserter(matches));
     }
-    progress.Clear();
     // In the order in which the codes were asked for, those of the very version first.
     std::stable_sort(matches.begin(), matches.end(), [&](const auto& a, const auto& b) {
         const auto rank = [&](const LibraryMatch& match) {
@@ -91,8 +112,8 @@ std::vector<LibraryMatch> FindMatches(const std::vector<std::uint32_t>& idcodes,
 }
 
 int PrintMatches(const std::vector<std::uint32_t>& idcodes, const std::vector<std::string>& paths,
-                 Format format) {
-    const std::vector<LibraryMatch> matches = FindMatches(idcodes, paths);
+                 int jobs, Format format) {
+    const std::vector<LibraryMatch> matches = FindMatches(idcodes, paths, jobs);
     Table table{{{"idcode", "IDCODE"},
                  {"component", "Component"},
                  {"packages", "Packages"},

@@ -20,13 +20,14 @@ struct LibraryMatch {
 };
 
 /// Looks for IDCODEs among files and those in folders. Bits of x in a file match any; so does the
-/// version, with a mark.
+/// version, with a mark. Reports files that cannot be read.
+/// @param jobs  files to read at a time; 0 for one for each processor.
 std::vector<LibraryMatch> FindMatches(const std::vector<std::uint32_t>& idcodes,
-                                      const std::vector<std::string>& paths);
+                                      const std::vector<std::string>& paths, int jobs);
 
 /// Prints, for each IDCODE, what describes it. @return the exit status: a problem when one has
 /// none.
 int PrintMatches(const std::vector<std::uint32_t>& idcodes, const std::vector<std::string>& paths,
-                 Format format);
+                 int jobs, Format format);
 
 }  // namespace tool

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <strings.h>
+#include <utility>
 
 namespace tool {
 namespace {
@@ -16,16 +17,23 @@ bool IsBsdlName(const fs::path& path) {
                        [&](const char* name) { return strcasecmp(name, extension.c_str()) == 0; });
 }
 
-std::vector<std::string> FilesBelow(const std::string& folder) {
+std::vector<std::string> FilesBelow(const std::string& top) {
     std::vector<std::string> files;
-    std::error_code error;
-    fs::recursive_directory_iterator walk(folder, fs::directory_options::skip_permission_denied,
-                                          error);
-    for (; !error && walk != fs::recursive_directory_iterator(); walk.increment(error)) {
-        std::error_code ignored;
-        if (walk->is_regular_file(ignored) && IsBsdlName(walk->path())) {
-            files.push_back(walk->path().string());
+    std::vector<std::string> folders = {top};
+    while (!folders.empty()) {
+        const std::string folder = std::move(folders.back());
+        folders.pop_back();
+        std::error_code error;
+        fs::directory_iterator walk(folder, error);
+        for (; !error && walk != fs::directory_iterator(); walk.increment(error)) {
+            std::error_code ignored;
+            if (walk->is_directory(ignored) && !walk->is_symlink(ignored)) {
+                folders.push_back(walk->path().string());
+            } else if (walk->is_regular_file(ignored) && IsBsdlName(walk->path())) {
+                files.push_back(walk->path().string());
+            }
         }
+        if (error) files.push_back(folder);
     }
     std::sort(files.begin(), files.end());
     return files;

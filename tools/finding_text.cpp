@@ -47,10 +47,35 @@ std::string WithCaret(std::string_view line, std::size_t column, std::size_t len
                        '^' + std::string(under - 1, '~'));
 }
 
+// Gives out lines of a text in their order, in one walk over it.
+class LineWalk {
+public:
+    explicit LineWalk(std::string_view text) : rest_(text) {}
+
+    // @param number  not below that of the line before; 0 for no line.
+    std::string_view Line(int number) {
+        for (; at_ < number && !rest_.empty(); ++at_) rest_.remove_prefix(SizeWithEnd());
+        return at_ == number ? rest_.substr(0, Size()) : std::string_view();
+    }
+
+private:
+    std::size_t Size() const { return std::min(rest_.find_first_of("\r\n"), rest_.size()); }
+    std::size_t SizeWithEnd() const {
+        const std::size_t size = Size();
+        const bool pair = rest_.substr(size, 2) == "\r\n";
+        return std::min(size + (pair ? 2 : 1), rest_.size());
+    }
+
+    std::string_view rest_;
+    int at_ = 1;
+};
+
 }  // namespace
 
-Json FindingsOf(const std::string& file, const bscan::Description& description) {
+Json FindingsOf(const std::string& file, std::string_view text,
+                const bscan::Description& description) {
     Json findings = Json::array();
+    LineWalk lines(text);
     for (const bscan::Finding& finding : description.Findings()) {
         findings.push_back({{"line", finding.line},
                             {"column", finding.column},
@@ -58,7 +83,7 @@ Json FindingsOf(const std::string& file, const bscan::Description& description) 
                             {"rule", finding.rule},
                             {"message", finding.message},
                             {"remedy", finding.remedy},
-                            {"source", std::string(description.Line(finding.line))},
+                            {"source", std::string(lines.Line(finding.line))},
                             {"length", finding.length}});
     }
     return {{"file", file},

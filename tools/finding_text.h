@@ -7,13 +7,16 @@
 #include "terminal.h"
 
 #include <string>
+#include <string_view>
 
 namespace tool {
 
 /// What is found in one file, ready to be passed from process to process:
 /// {file, result, component, findings}, where a finding has also its `source` line and the `length`
 /// of the words that it points at.
-Json FindingsOf(const std::string& file, const bscan::Description& description);
+/// @param text  what the description was read from.
+Json FindingsOf(const std::string& file, std::string_view text,
+                const bscan::Description& description);
 
 /// A finding of such a record: FILE:LINE:COLUMN: severity: message [rule], the source line with a
 /// caret under the words, and the remedy. It ends with a line end.

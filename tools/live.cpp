@@ -283,7 +283,7 @@ int IdentifyChain(const LiveOptions& options) {
         idcodes.push_back(static_cast<std::uint32_t>(std::strtoul(word.c_str(), nullptr, 0)));
     }
     if (idcodes.empty()) return Complain("OpenOCD has found no device");
-    return PrintMatches(idcodes, {options.library}, options.format);
+    return PrintMatches(idcodes, {options.library}, 0, options.format);
 }
 
 }  // namespace

@@ -21,6 +21,8 @@ struct Options {
     CheckOptions check;
     DiffOptions diff;
     DrawOptions draw;
+    FormatOptions format;
+    IdentifyOptions identify;
     LiveOptions live;
     SimulateOptions simulate;
     SvfOptions svf;
@@ -127,15 +129,38 @@ void AddObserve(CLI::App& app, ObserveOptions& options) {
 }
 
 void AddCheck(CLI::App& app, CheckOptions& options) {
-    CLI::App* command = AddCommand(app, "check", "Tell which files can be read, and why not",
-                                   "bscan check --jobs 4 devices/ other.bsdl");
-    command->add_option("FILE", options.files, "Files, and folders to be searched for BSDL files")
-        ->required()
+    CLI::App* command = AddCommand(app, "check", "Tell what is wrong with files, and where",
+                                   "bscan check --jobs 4 devices/ other.bsdl\n"
+                                   "  bscan check --explain cell-control");
+    command
+        ->add_option("FILE", options.files,
+                     "Files, folders to be searched for BSDL files, - for standard input")
         ->type_name("");
+    const auto add_rules = [&](const char* name, auto& rules, const char* purpose) {
+        command->add_option(name, rules, purpose)
+            ->type_name("RULE")
+            ->allow_extra_args(false)
+            ->delimiter(',');
+    };
+    add_rules("--rule", options.rules, "Tell only findings of this rule; may be repeated");
+    add_rules("--no-rule", options.no_rules, "Tell no findings of this rule; may be repeated");
+    command->add_option("--explain", options.explain, "Print what a rule is about")
+        ->type_name("RULE");
+    command->add_flag("--lines", options.lines,
+                      "Tell what reading by lines makes of the files, too");
+    command->add_flag("--strict", options.strict, "Warnings count as errors do");
     command->add_option("-j,--jobs", options.jobs, "Files to read at a time (one per processor)")
         ->check(CLI::Range(1, 256).description(""))
         ->type_name("N");
-    AddFormat(command, options.format);
+    const std::map<std::string, CheckFormat> formats = {{"table", CheckFormat::kTable},
+                                                        {"csv", CheckFormat::kCsv},
+                                                        {"json", CheckFormat::kJson},
+                                                        {"sarif", CheckFormat::kSarif}};
+    command->add_option("--format", options.format, "table, csv, json or sarif")
+        ->transform(CLI::Transformer(formats).description(""))
+        ->type_name("FORMAT");
+    command->add_flag_callback(
+        "--json", [&options] { options.format = CheckFormat::kJson; }, "The same as --format json");
 }
 
 void AddDiff(CLI::App& app, DiffOptions& options) {
@@ -163,6 +188,37 @@ void AddDraw(CLI::App& app, DrawOptions& options) {
                                    "bscan draw device.bsd device.svg");
     AddDeviceFile(command, options.file);
     AddFile(command, "OUT.svg", options.output, "The drawing to write; - for standard output");
+}
+
+void AddIdentify(CLI::App& app, IdentifyOptions& options) {
+    CLI::App* command = AddCommand(app, "identify", "Tell which files describe a device",
+                                   "bscan identify 0x4BA00477 devices/\n"
+                                   "\n"
+                                   "An IDCODE has 8 hexadecimal digits, or 32 bits behind 0b.");
+    command
+        ->add_option("IDCODE|FOLDER", options.words,
+                     "IDCODEs, and the files and folders to search (the current folder)")
+        ->required()
+        ->type_name("");
+    command->add_option("-j,--jobs", options.jobs, "Files to read at a time (one per processor)")
+        ->check(CLI::Range(1, 256).description(""))
+        ->type_name("N");
+    AddFormat(command, options.format);
+}
+
+void AddFormatCommand(CLI::App& app, FormatOptions& options) {
+    CLI::App* command = AddCommand(app, "format", "Write a description again as clean BSDL",
+                                   "bscan format device.bsd -o clean.bsd --package BGA256");
+    AddFile(command, "FILE", options.file, "The BSDL file; - for standard input");
+    CLI::Option* output =
+        command->add_option("-o,--output", options.output, "The file to write (standard output)");
+    output->type_name("PATH");
+    command->add_option("--package", options.package, "The package that the generic names")
+        ->type_name("NAME");
+    command
+        ->add_flag("--check", options.check,
+                   "Write nothing, and tell whether the file would change")
+        ->excludes(output);
 }
 
 void AddChain(CLI::App* command, ChainOptions& options) {
@@ -355,6 +411,8 @@ int Dispatch(const CLI::App& app, const Options& options) {
         {"check", [&] { return Check(options.check); }},
         {"diff", [&] { return Diff(options.diff); }},
         {"draw", [&] { return Draw(options.draw); }},
+        {"format", [&] { return FormatFile(options.format); }},
+        {"identify", [&] { return Identify(options.identify); }},
         {"live", [&] { return Live(options.live); }},
         {"simulate", [&] { return Simulate(options.simulate); }},
         {"svf", [&] { return Svf(options.svf); }},
@@ -372,6 +430,8 @@ int Run(int argc, const char* const* argv) {
     AddCheck(app, options.check);
     AddDiff(app, options.diff);
     AddDraw(app, options.draw);
+    AddFormatCommand(app, options.format);
+    AddIdentify(app, options.identify);
     AddLive(app, options.live);
     AddSimulate(app, options.simulate);
     AddSvf(app, options.svf);

@@ -7,11 +7,6 @@
 namespace tool {
 namespace {
 
-struct Character {
-    char32_t code = 0;
-    std::size_t length = 0;  // 0 for a byte that begins no character
-};
-
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 std::size_t AnnouncedLength(unsigned char lead) {
@@ -26,19 +21,6 @@ bool IsWellFormed(char32_t code, std::size_t length) {
     constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
     const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
     return code >= kSmallest[length] && code <= 0x10FFFF && !surrogate;
-}
-
-Character FirstCharacter(std::string_view text) {
-    const auto lead = static_cast<unsigned char>(text.front());
-    const std::size_t length = AnnouncedLength(lead);
-    if (length == 0 || length > text.size()) return {};
-    if (length == 1) return {lead, 1};
-    char32_t code = lead & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if (!IsContinuation(text[i])) return {};
-        code = code << 6U | (static_cast<unsigned char>(text[i]) & 0x3FU);
-    }
-    return IsWellFormed(code, length) ? Character{code, length} : Character{};
 }
 
 bool IsControl(char32_t code) {
@@ -77,6 +59,19 @@ std::string DoubleBackslashes(std::string_view text) {
 }
 
 }  // namespace
+
+Character FirstCharacter(std::string_view text) {
+    const auto lead = static_cast<unsigned char>(text.front());
+    const std::size_t length = AnnouncedLength(lead);
+    if (length == 0 || length > text.size()) return {};
+    if (length == 1) return {lead, 1};
+    char32_t code = lead & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if (!IsContinuation(text[i])) return {};
+        code = code << 6U | (static_cast<unsigned char>(text[i]) & 0x3FU);
+    }
+    return IsWellFormed(code, length) ? Character{code, length} : Character{};
+}
 
 std::string Printable(std::string_view text) { return Escape(DoubleBackslashes(text), IsControl); }
 

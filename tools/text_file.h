@@ -1,21 +1,35 @@
-// Texts that a user names: files and standard input.
+// Texts from files and from standard input.
 #pragma once
-
-#include <bscan/limits.h>
 
 #include <optional>
 #include <string>
 
 namespace tool {
 
-/// The most that is read of one text, a byte beyond what a description may have.
-inline constexpr std::size_t kMostRead = bscan::kMaxDescriptionLength + 1;
+/// The name that stands for standard input.
+constexpr const char* kStandardInput = "-";
 
-/// Reads a file, or standard input for "-".
-/// @return its text, cut at kMostRead bytes; nothing when it cannot be read.
+/// A text, or the reason why there is none.
+struct LoadedText {
+    int code = 0;  ///< bscan::kOk, kCannotOpen, kReadFailed, kTextTooLong
+    std::string text;
+};
+
+/// Reads a file of at most kMaxDescriptionLength bytes; `-` is standard input.
+LoadedText LoadText(const std::string& path);
+
+/// The same where the reason does not matter: nothing when it cannot be read.
 std::optional<std::string> ReadText(const std::string& path);
 
-/// What messages call a path: "standard input" for "-", and otherwise itself, fit to be printed.
+/// What messages call a path: "standard input" for `-`, and otherwise itself, fit to be printed.
 std::string NameOf(const std::string& path);
+
+/// Why a text was not loaded.
+std::string DescribeLoad(int code);
+
+/// Writes a text to a file, or prints it where @p path is empty or `-`.
+/// @param command  in front of the report of what goes wrong.
+/// @return whether all was written.
+bool SaveText(const char* command, const std::string& path, const std::string& text);
 
 }  // namespace tool

@@ -92,6 +92,7 @@ struct TapSignals {
     double max_frequency = 0;              ///< of TCK, in hertz; 0 when the file does not tell
     Word frequency_word;
     ClockStop clock_stop = ClockStop::kUnknown;
+    Word clock_stop_word;
 };
 
 /// Ports that must hold one of some patterns for the test logic to work (COMPLIANCE_PATTERNS).
@@ -111,12 +112,14 @@ struct Instruction {
 struct RegisterInstruction {
     Word name;
     Word captures;  ///< bits, leftmost next to TDI; absent when the file does not tell
+    Word domain;    ///< the power domain of the register; absent without one
 };
 
 /// One register of REGISTER_ACCESS.
 struct RegisterAccess {
     Word name;
     std::optional<int> length;  ///< in bits, when the file writes one
+    Word length_word;           ///< as written; `*` leaves the length to other attributes
     std::vector<RegisterInstruction> instructions;
 };
 
@@ -150,11 +153,19 @@ struct PortPair {
 /// An attribute or constant that has no place of its own above.
 struct OtherStatement {
     Word name;
-    Word target;             ///< what it is of, such as the entity or a port
-    Word target_class;       ///< entity, signal, component, ...; for a constant its type
+    Word target;                      ///< what it is of, such as the entity or a port
+    std::optional<int> target_index;  ///< of an element of a port
+    Word target_class;                ///< entity, signal, component, ...; for a constant its type
+    std::string_view standard_name;   ///< the attribute as the standard spells it; may be empty
     std::string_view value;  ///< text behind "is" or ":=": pieces of a string joined, no quotes
     bool is_string = false;
     bool is_constant = false;
+};
+
+/// "attribute NAME : TYPE;" in the entity, which declares an attribute and sets none.
+struct AttributeDeclaration {
+    Word name;
+    Word type;  ///< such as BSDL_EXTENSION; absent without one
 };
 
 /// Everything that a BSDL file says. Where it says a thing twice, the first counts.
@@ -162,8 +173,9 @@ struct Facts {
     Word entity;
     std::string_view preamble;  ///< what stands before the entity, comments included
 
-    Word generic;          ///< PHYSICAL_PIN_MAP, or what stands in its place
-    Word default_package;  ///< the generic's default; absent without one
+    Word generic;                      ///< PHYSICAL_PIN_MAP, or what stands in its place
+    Word default_package;              ///< the generic's default; absent without one
+    std::vector<Word> other_generics;  ///< as written: NAME : TYPE, and perhaps a default
     std::vector<Port> ports;
     std::vector<Word> use_clauses;  ///< such as STD_1149_1_2001.all
     std::vector<PinMap> pin_maps;
@@ -190,7 +202,12 @@ struct Facts {
     Word runbist;  ///< value of RUNBIST_EXECUTION
     Word intest;   ///< value of INTEST_EXECUTION
     Word design_warning;
+    std::vector<AttributeDeclaration> declarations;
     std::vector<OtherStatement> others;
+
+    /// The user's packages and their bodies before and behind the entity, as written from the word
+    /// `package` to the last semicolon; those before it stand in the preamble as well.
+    std::vector<Word> packages;
 
     /// @return the port of that name, letter case ignored; null without one. A walk.
     BSCAN_EXPORT const Port* FindPort(std::string_view name) const;

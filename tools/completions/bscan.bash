@@ -11,18 +11,19 @@ _bscan() {
     local command=${COMP_WORDS[1]} options=
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        COMPREPLY=($(compgen -W 'show drive observe check diff draw svf openocd live simulate --help --version' -- "$current"))
+        COMPREPLY=($(compgen -W 'show drive observe check format identify diff draw svf openocd live simulate --help --version' -- "$current"))
         return
     fi
     case $previous in
         --format)
-            COMPREPLY=($(compgen -W 'table csv json' -- "$current"))
+            [[ $command == check ]] && options=sarif
+            COMPREPLY=($(compgen -W "table csv json $options" -- "$current"))
             return ;;
         --capture-file | --chain | --steps | --output | -o)
             compopt -o filenames 2>/dev/null
             COMPREPLY=($(compgen -f -- "$current"))
             return ;;
-        --capture | --package | --jobs | -j | --do | --frequency | --from-sample)
+        --capture | --rule | --no-rule | --explain | --package | --jobs | -j | --do | --frequency | --from-sample)
             return ;;
     esac
     case $command in
@@ -30,8 +31,10 @@ _bscan() {
         drive) options='--capture --capture-file --force --package --lines --format --json --help' ;;
         diff) options='--package --lines --format --json --help' ;;
         observe) options='--capture --capture-file --force --package --lines --format --json --help' ;;
-        check) options='--jobs --format --json --help' ;;
         draw) options='--package --lines --help' ;;
+        check) options='--rule --no-rule --explain --strict --lines --jobs --format --json --help' ;;
+        format) options='--output --package --check --help' ;;
+        identify) options='--jobs --format --json --help' ;;
         svf) options='--chain --do --steps --output --frequency --from-sample --no-idcode --help' ;;
         openocd) options='--chain --output --help' ;;
         live) options='--chain --openocd --adapter --hold --every --count --vcd --library --help' ;;
