@@ -1,8 +1,9 @@
 // bscan draw: a drawing of the package and what its pins are.
 
+#include <bscan/description.h>
+
 #include "commands.h"
-#include "failure.h"
-#include "package_drawing.h"
+#include "drawing/package_drawing.h"
 #include "printable.h"
 
 #include <fmt/format.h>
@@ -10,20 +11,28 @@
 #include <fstream>
 
 namespace tool {
+namespace {
+
+int Complain(const std::string& path, std::string_view message) {
+    Write(stderr, fmt::format("bscan draw: {}: {}\n", Printable(path), message));
+    return kProblem;
+}
+
+}  // namespace
 
 int Draw(const DrawOptions& options) {
-    Device device(options.file);
-    if (!ReadOrReport(device, nullptr)) return kProblem;
-    const std::string drawing = DrawPackage(device);
+    const bscan::Description description = bscan::Description::Read(options.file.c_str());
+    BScanParser parser;
+    const int code = description.Fill(parser);
+    if (code != bscan::kOk) return Complain(options.file, bscan::Describe(code));
+    const std::string drawing = bscan::drawing::DrawPackage(description.GetFacts(), parser);
     if (options.output == "-") {
         Write(stdout, drawing);
         return kSuccess;
     }
     std::ofstream stream(options.output, std::ios::binary);
     stream << drawing << std::flush;
-    if (stream) return kSuccess;
-    Write(stderr, fmt::format("bscan draw: cannot write {}\n", Printable(options.output)));
-    return kProblem;
+    return stream ? kSuccess : Complain(options.output, "cannot be written");
 }
 
 }  // namespace tool

@@ -1,19 +1,11 @@
 // The words of BSDL for the model's values.
 #pragma once
 
-#include <bscan/bscan.h>
-
-#include <optional>
-#include <string_view>
+#include "drawing/words.h"
 
 namespace tool {
 
-std::string_view Word(eSignal signal);
-std::string_view Word(PortType mode);
-std::string_view Word(CellType type);
-std::string_view Word(CellFunction function);
-
-/// The level that a user names: 0, 1, or Z in either case.
-std::optional<eSignal> ParseLevel(std::string_view text);
+using bscan::drawing::ParseLevel;
+using bscan::drawing::Word;
 
 }  // namespace tool

@@ -1,8 +1,8 @@
-#include "words.h"
+#include "drawing/words.h"
 
 #include <array>
 
-namespace tool {
+namespace bscan::drawing {
 namespace {
 
 constexpr std::array<std::string_view, 8> kSignals = {"0",     "1",     "X",     "Z",
@@ -13,6 +13,22 @@ constexpr std::array<std::string_view, 9> kTypes = {"BC_0", "BC_1", "BC_2", "BC_
 constexpr std::array<std::string_view, 12> kFunctions = {
     "input",    "clock", "output2",  "output3",   "control",      "controlr",
     "internal", "bidir", "bidir_in", "bidir_out", "observe_only", "unknown"};
+constexpr std::array<std::string_view, 16> kPortModes = {"unknown",
+                                                         "in",
+                                                         "out",
+                                                         "inout",
+                                                         "buffer",
+                                                         "linkage",
+                                                         "linkage_in",
+                                                         "linkage_out",
+                                                         "linkage_inout",
+                                                         "linkage_buffer",
+                                                         "linkage_mechanical",
+                                                         "power_pos",
+                                                         "power_0",
+                                                         "power_neg",
+                                                         "vref_in",
+                                                         "vref_out"};
 
 template <std::size_t N>
 std::string_view At(const std::array<std::string_view, N>& words, int value) {
@@ -27,6 +43,8 @@ std::string_view Word(PortType mode) { return At(kModes, mode); }
 std::string_view Word(CellType type) { return At(kTypes, type); }
 std::string_view Word(CellFunction function) { return At(kFunctions, function); }
 
+std::string_view Word(PortMode mode) { return At(kPortModes, static_cast<int>(mode)); }
+
 std::optional<eSignal> ParseLevel(std::string_view text) {
     if (text == "0") return SIG_0;
     if (text == "1") return SIG_1;
@@ -34,4 +52,4 @@ std::optional<eSignal> ParseLevel(std::string_view text) {
     return std::nullopt;
 }
 
-}  // namespace tool
+}  // namespace bscan::drawing
