@@ -1,8 +1,8 @@
 #include <bscan/chain.h>
 #include <bscan/limits.h>
+#include <bscan/pin_names.h>
 
 #include "chain/instruction_set.h"
-#include "chain/pin_names.h"
 #include "chain/wording.h"
 #include "support/border.h"
 #include "support/text_view.h"
@@ -181,7 +181,7 @@ ChainResult Chain::Add(std::string_view name, BScanParser& parser, const Facts* 
         }
         if (facts != nullptr) TakeFacts(*facts, known);
         known.driver = std::make_unique<PinDriver>(*map);
-        device.names = detail::PinNames(*known.driver, facts);
+        device.names = PinNames(*known.driver, facts);
         PinDriver& driver = *known.driver;
         ChainResult result = Append(*state_, std::move(device));
         if (result.Ok()) driver.Preset();

@@ -1,12 +1,14 @@
 // Steps as people write them.
 
 #include <bscan/limits.h>
+#include <bscan/pin_names.h>
 #include <bscan/scan_program.h>
 
 #include "chain/faults.h"
 #include "support/border.h"
 #include "support/text_view.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
@@ -96,29 +98,42 @@ void StepReader::ReadPins(std::string_view rest, Step& step) {
     if (!any) faults_.Add(step, "Name at least one pin, as PIN=LEVEL.");
 }
 
-std::optional<eSignal> ParseLevel(std::string_view text) {
-    if (text == "0") return SIG_0;
-    if (text == "1") return SIG_1;
-    if (text == "Z" || text == "z") return SIG_Z;
-    return std::nullopt;
+// What looking for a name costs, in elements that are passed.
+std::size_t CostOf(const Chain& chain, std::string_view name) {
+    std::size_t cost = 0;
+    if (!IsPinPattern(name)) return cost;
+    for (int device = 0; device < chain.DeviceCount(); ++device) {
+        const PinDriver* const driver = chain.Driver(device);
+        if (driver != nullptr) cost += static_cast<std::size_t>(driver->ElementCount());
+    }
+    return cost;
 }
 
 void StepReader::ReadPin(std::string_view word, Step& step) {
-    const std::size_t equals = word.rfind('=');
+    const std::size_t equals = std::min(word.rfind('='), word.size());
+    const std::string_view name = word.substr(0, equals);
     const bool drives = step.kind == StepKind::kDrive;
-    const std::optional<eSignal> level =
-        equals == std::string_view::npos ? std::nullopt : ParseLevel(word.substr(equals + 1));
-    if (equals == 0 || !level || (*level == SIG_Z && !drives)) {
-        faults_.Add(step, "'" + std::string(word) + "' is not of the form PIN=0" +
-                              (drives ? ", PIN=1 or PIN=Z." : " or PIN=1."));
+    const std::optional<PinLevels> levels =
+        equals == word.size() ? std::nullopt : PinLevels::Parse(word.substr(equals + 1));
+    if (name.empty() || !levels || (levels->Of(0, 1) == SIG_Z && !drives)) {
+        faults_.Add(step, "'" + std::string(word) + "' is not of the form PIN=0, PIN=1" +
+                              (drives ? ", PIN=Z or PIN=0x5A." : " or PIN=0x5A."));
         return;
     }
+    pin_count_ += CostOf(chain_, name);
+    if (pin_count_ > kMaxProgramPins) return faults_.Add(step, "The steps name too many pins.");
     std::vector<ChainPin> pins;
-    const ChainResult result = chain_.FindPins(word.substr(0, equals), pins);
+    const ChainResult result = chain_.FindPins(name, pins);
     if (!result.Ok()) return faults_.Add(step, result);
     pin_count_ += pins.size();
     if (pin_count_ > kMaxProgramPins) return faults_.Add(step, "The steps name too many pins.");
-    for (const ChainPin pin : pins) step.pins.push_back({pin, *level});
+    if (levels->IsNumber() && (IsPinPattern(name) || !levels->Fits(pins.size()))) {
+        return faults_.Add(step, "The number in '" + std::string(word) + "' does not fit " +
+                                     std::to_string(pins.size()) + " elements of one port.");
+    }
+    for (std::size_t i = 0; i < pins.size(); ++i) {
+        step.pins.push_back({pins[i], levels->Of(i, pins.size())});
+    }
 }
 
 void StepReader::ReadWait(std::string_view rest, Step& step) {

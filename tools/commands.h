@@ -2,6 +2,7 @@
 #pragma once
 
 #include "chain_file.h"
+#include "device.h"
 #include "output.h"
 
 #include <cstdint>
@@ -17,7 +18,7 @@ enum ExitStatus : int {
 };
 
 struct ShowOptions {
-    std::string file;
+    DeviceFile file;
     bool pins = false;
     bool cells = false;
     bool instructions = false;
@@ -26,14 +27,14 @@ struct ShowOptions {
 int Show(const ShowOptions& options);
 
 struct DriveOptions {
-    std::string file;
+    DeviceFile file;
     std::vector<std::string> requests;
     Format format = Format::kTable;
 };
 int Drive(const DriveOptions& options);
 
 struct ObserveOptions {
-    std::string file;
+    DeviceFile file;
     std::string capture;
     std::string capture_file;
     Format format = Format::kTable;
@@ -48,14 +49,14 @@ struct CheckOptions {
 int Check(const CheckOptions& options);
 
 struct DiffOptions {
-    std::string left;
-    std::string right;
+    DeviceFile left;
+    DeviceFile right;
     Format format = Format::kTable;
 };
 int Diff(const DiffOptions& options);
 
 struct DrawOptions {
-    std::string file;
+    DeviceFile file;
     std::string output;
 };
 int Draw(const DrawOptions& options);

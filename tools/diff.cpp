@@ -168,8 +168,9 @@ int Diff(const DiffOptions& options) {
         Compare(kind.name, kind.collect(left), kind.collect(right), table);
     }
     if (options.format == Format::kJson) {
-        const Json report{
-            {"left", options.left}, {"right", options.right}, {"differences", ToJson(table)}};
+        const Json report{{"left", options.left.path},
+                          {"right", options.right.path},
+                          {"differences", ToJson(table)}};
         Print(stdout, report, 2);
     } else if (options.format == Format::kCsv || !table.rows.empty()) {
         Print(stdout, table, options.format);

@@ -3,7 +3,6 @@
 #include "commands.h"
 #include "device_tables.h"
 #include "failure.h"
-#include "pin_selector.h"
 #include "printable.h"
 #include "scan_text.h"
 #include "terminal.h"
@@ -51,13 +50,13 @@ struct Outcome {
 
 void Serve(const Device& device, const Request& request, bscan::PinDriver& driver,
            Outcome& outcome) {
-    const std::vector<const Element*> elements = Select(device, request.pin);
-    for (const Element* element : elements) {
-        const int position = driver.Find(element->node);
+    const std::vector<int> elements = device.names().Find(request.pin);
+    for (const int position : elements) {
+        const Element& element = device.elements()[static_cast<std::size_t>(position)];
         const bscan::DriveCode code = driver.Request(position, request.level);
         const bool done = bscan::IsDone(code);
-        outcome.table.rows.push_back({request.text, element->Label(), TextOrNull(element->pin),
-                                      done, driver.Explain(position, code)});
+        outcome.table.rows.push_back({request.text, element.Label(), TextOrNull(element.pin), done,
+                                      driver.Explain(position, code)});
         outcome.all_done = outcome.all_done && done;
     }
     if (!elements.empty()) return;

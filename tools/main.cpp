@@ -42,6 +42,21 @@ void AddFile(CLI::App* command, const std::string& name, std::string& value,
     command->add_option(name, value, purpose)->required()->type_name("");
 }
 
+void AddLines(CLI::App* command, CLI::Option* package, const std::function<void()>& set) {
+    command
+        ->add_flag_callback("--lines", set, "Read line by line, as hosts of BScanParser::Read do")
+        ->excludes(package);
+}
+
+// A file with a device, and how to read it.
+void AddDeviceFile(CLI::App* command, DeviceFile& file) {
+    AddFile(command, "FILE", file.path, "The BSDL file; - for standard input");
+    CLI::Option* package =
+        command->add_option("--package", file.package, "Another of the file's packages");
+    package->type_name("NAME");
+    AddLines(command, package, [&file] { file.by_lines = true; });
+}
+
 Format ParseFormat(const std::string& name) {
     static const std::map<std::string, Format> kNames = {
         {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
@@ -63,7 +78,7 @@ void AddFormat(CLI::App* command, Format& format) {
 void AddShow(CLI::App& app, ShowOptions& options) {
     CLI::App* command = AddCommand(app, "show", "Print what a file says about its device",
                                    "bscan show device.bsd --pins --cells");
-    AddFile(command, "FILE", options.file, "The BSDL file");
+    AddDeviceFile(command, options.file);
     command->add_flag("--pins", options.pins, "Print the ports with their pins and cells");
     command->add_flag("--cells", options.cells, "Print the boundary register");
     command->add_flag("--instructions", options.instructions, "Print the instructions");
@@ -78,7 +93,7 @@ void AddDrive(CLI::App& app, DriveOptions& options) {
                                    "D for all of D), then\n"
                                    "by number; pin:, port: or number: in front asks for one of "
                                    "these alone.");
-    AddFile(command, "FILE", options.file, "The BSDL file");
+    AddDeviceFile(command, options.file);
     command->add_option("PIN=LEVEL", options.requests, "A pin, and 0, 1, or Z to release it")
         ->required()
         ->type_name("");
@@ -88,7 +103,7 @@ void AddDrive(CLI::App& app, DriveOptions& options) {
 void AddObserve(CLI::App& app, ObserveOptions& options) {
     CLI::App* command = AddCommand(app, "observe", "Print what the ports show in a capture",
                                    "bscan observe device.bsd --capture 0110x01");
-    AddFile(command, "FILE", options.file, "The BSDL file");
+    AddDeviceFile(command, options.file);
     CLI::Option* bits = command->add_option("--capture", options.capture,
                                             "The captured bits: 0, 1 and x, cell 0 first");
     CLI::Option* file = command->add_option("--capture-file", options.capture_file,
@@ -113,15 +128,27 @@ void AddCheck(CLI::App& app, CheckOptions& options) {
 void AddDiff(CLI::App& app, DiffOptions& options) {
     CLI::App* command = AddCommand(app, "diff", "Print how the devices of two files differ",
                                    "bscan diff rev_a.bsd rev_b.bsd");
-    AddFile(command, "A", options.left, "A BSDL file");
-    AddFile(command, "B", options.right, "Another one");
+    AddFile(command, "A", options.left.path, "A BSDL file; - for standard input");
+    AddFile(command, "B", options.right.path, "Another one");
+    CLI::Option* package = command->add_option_function<std::string>(
+        "--package",
+        [&options](const std::string& name) {
+            options.left.package = name;
+            options.right.package = name;
+        },
+        "Another of the files' packages");
+    package->type_name("NAME");
+    AddLines(command, package, [&options] {
+        options.left.by_lines = true;
+        options.right.by_lines = true;
+    });
     AddFormat(command, options.format);
 }
 
 void AddDraw(CLI::App& app, DrawOptions& options) {
     CLI::App* command = AddCommand(app, "draw", "Draw the package, coloured by port mode",
                                    "bscan draw device.bsd device.svg");
-    AddFile(command, "FILE", options.file, "The BSDL file");
+    AddDeviceFile(command, options.file);
     AddFile(command, "OUT.svg", options.output, "The drawing to write; - for standard output");
 }
 

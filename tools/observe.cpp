@@ -5,23 +5,13 @@
 #include "failure.h"
 #include "printable.h"
 #include "scan_text.h"
+#include "text_file.h"
 #include "words.h"
 
 #include <fmt/format.h>
 
-#include <fstream>
-#include <iostream>
-#include <iterator>
-
 namespace tool {
 namespace {
-
-std::optional<std::string> ReadText(const std::string& path) {
-    if (path == "-") return std::string(std::istreambuf_iterator<char>(std::cin), {});
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) return std::nullopt;
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-}
 
 int Complain(const std::string& message, int status) {
     Write(stderr, fmt::format("bscan observe: {}\n", message));
@@ -54,7 +44,7 @@ int ObserveCapture(const ObserveOptions& options, const Capture& capture) {
     const int length = device.map().GetBScanLength();
     if (capture.data.size() != static_cast<std::size_t>(length)) {
         return Complain(fmt::format("the capture has {} bits, the boundary register of {} has {}",
-                                    capture.data.size(), Printable(options.file), length),
+                                    capture.data.size(), NameOf(options.file.path), length),
                         kProblem);
     }
     const Table table = LevelTable(device);

@@ -5,25 +5,17 @@
 #include "commands.h"
 #include "printable.h"
 #include "scan_text.h"
+#include "text_file.h"
 
 #include <fmt/format.h>
 
 #include <fstream>
-#include <iostream>
-#include <iterator>
 
 namespace tool {
 namespace {
 
 void Complain(const std::string& message) {
     Write(stderr, fmt::format("bscan svf: {}\n", message));
-}
-
-std::optional<std::string> ReadText(const std::string& path) {
-    if (path == "-") return std::string(std::istreambuf_iterator<char>(std::cin), {});
-    std::ifstream stream(path, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    return stream ? std::optional(std::move(text)) : std::nullopt;
 }
 
 void Report(const std::vector<bscan::StepFault>& faults, const std::string& source) {

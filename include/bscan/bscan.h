@@ -31,6 +31,7 @@
 #include <bscan/parser.h>
 #include <bscan/pin_driver.h>
 #include <bscan/pin_name.h>
+#include <bscan/pin_names.h>
 #include <bscan/pin_node.h>
 #include <bscan/register_access.h>
 #include <bscan/result.h>

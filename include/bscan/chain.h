@@ -160,12 +160,10 @@ public:
     /// @{
 
     /// Finds the port elements that a text names: DEVICE.PIN, or PIN in a chain of one device with
-    /// a model. PIN is looked for by designator (B3, letter case included), then by port (D(3) or
-    /// D[3] by its declared index, or D for all of D, letter case ignored), then by package pin
-    /// number; "pin:", "port:" or "number:" in front of PIN asks for one of these alone.
+    /// a model. PIN is what PinNames::Find() takes.
     ///
     /// @param text  the name.
-    /// @param pins  receives them in the order of their declaration.
+    /// @param pins  receives them in the order of PinNames::Find().
     ChainResult FindPins(std::string_view text, std::vector<ChainPin>& pins) const;
 
     /// @return a pin's name as FindPins() takes it, such as U1.D(3); empty for no pin.

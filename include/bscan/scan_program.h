@@ -63,12 +63,15 @@ struct Steps {
 
 /// Reads steps, one a line; '#' at the beginning or behind a blank starts a comment.
 ///
-///     drive PIN=LEVEL ...    0, 1, or Z to release; PIN as Chain::FindPins() takes it
-///     expect PIN=LEVEL ...   0 or 1
-///     sample PIN=LEVEL ...   0 or 1
+///     drive PIN=LEVEL ...    0, 1, a number, or Z to release
+///     expect PIN=LEVEL ...   0, 1 or a number
+///     sample PIN=LEVEL ...   0, 1 or a number
 ///     wait N tck|us|ms
 ///     reset
 ///     note TEXT
+///
+/// PIN is as Chain::FindPins() takes it, LEVEL as PinLevels::Parse(): a number such as 0x5A has a
+/// bit for each element of a vector, the most significant one for its left end.
 BSCAN_EXPORT Steps ParseSteps(const Chain& chain, std::string_view text);
 
 /// What a player has to do next.
