@@ -64,7 +64,7 @@ std::string OneOf(const std::string& levels) {
 
 class Drawing {
 public:
-    Drawing(const Facts& facts, BScanParser& parser);
+    Drawing(const Facts& facts, const BScanPinMap* device, std::string_view package);
     std::string Document();
 
 private:
@@ -105,11 +105,11 @@ private:
     double bottom_ = 0;  // of what has been drawn
 };
 
-Drawing::Drawing(const Facts& facts, BScanParser& parser)
+Drawing::Drawing(const Facts& facts, const BScanPinMap* device, std::string_view package)
     : component_(facts.entity.text),
-      package_(parser.GetPackageType() == nullptr ? "" : parser.GetPackageType()),
+      package_(package),
       kinds_(facts),
-      elements_(DeclaredElements(facts, parser.GetPinMap())) {
+      elements_(DeclaredElements(facts, device)) {
     std::vector<std::string> pins;
     for (const DeclaredElement& element : elements_) {
         if (element.pin.empty()) continue;
@@ -299,8 +299,8 @@ std::string Drawing::Document() {
 
 }  // namespace
 
-std::string DrawPackage(const Facts& facts, BScanParser& parser) {
-    return Drawing(facts, parser).Document();
+std::string DrawPackage(const Facts& facts, const BScanPinMap* device, std::string_view package) {
+    return Drawing(facts, device, package).Document();
 }
 
 }  // namespace bscan::drawing

@@ -1,10 +1,11 @@
 // The drawing of a device's package.
 #pragma once
 
+#include <bscan/device_pin_map.h>
 #include <bscan/facts.h>
-#include <bscan/parser.h>
 
 #include <string>
+#include <string_view>
 
 namespace bscan::drawing {
 
@@ -12,8 +13,9 @@ namespace bscan::drawing {
 /// of what it is for, the pin's cells as a tooltip, and a legend. Where neither the designators nor
 /// the package's name tell its shape, the drawing says so.
 ///
-/// @param facts  those of the description that filled the parser.
-/// @param parser  holds the model, and which of the packages it is in.
-std::string DrawPackage(const Facts& facts, BScanParser& parser);
+/// @param facts  those of the description that filled the device.
+/// @param device  null for a device without ports.
+/// @param package  the name of its package, in lower case.
+std::string DrawPackage(const Facts& facts, const BScanPinMap* device, std::string_view package);
 
 }  // namespace bscan::drawing
