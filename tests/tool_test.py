@@ -443,6 +443,9 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(len(titles), 48 + 1)
         self.assertEqual(titles["B6"], "B6: TX1_N, out, negative leg; "
                                        "cell 27: BC_1 output3, control cell 26")
+        self.assertEqual(titles["C1"], "C1: TEST_EN, in, must be 1")
+        classes = [group.get("class") for group in root.iter(SVG + "g")]
+        self.assertEqual((classes.count("tap"), classes.count("compliance")), (4 + 1, 1 + 1))
         self.assertEqual(run("draw", HUB, self.folder / "none" / "x.svg").returncode, 1)
 
     def test_format_writes_what_it_reads(self):
@@ -504,6 +507,28 @@ class ToolTest(unittest.TestCase):
         self.assertIn("none.bsd: the file cannot be opened", result.stderr)
         for usage in (["."], ["0x123456789"], ["0b1"]):
             self.assertEqual(run("identify", *usage).returncode, 2)
+
+    def draw_bus(self, *changes):
+        """The drawing of the bus with some words replaced; the sides of pins as pairs x, y."""
+        text = (DEVICES / BUS).read_text()
+        for old, new in changes:
+            text = text.replace(old, new)
+        (self.folder / "bus.bsd").write_text(text)
+        drawing = run("draw", self.folder / "bus.bsd", "-").stdout
+        groups = xml.fromstring(drawing.encode()).iter(SVG + "g")
+        titles = [(group.find(SVG + "title"), group.find(SVG + "rect")) for group in groups]
+        return drawing, {title.text.split(":")[0]: (float(rect.get("x")), float(rect.get("y")))
+                         for title, rect in titles if title is not None}
+
+    def test_shapes_of_packages(self):
+        _, pins = self.draw_bus(("SO24", "PLCC24"))
+        top = sorted((x, pin) for pin, (x, y) in pins.items() if y == min(pins["1"][1], y))
+        self.assertEqual([pin for _, pin in top], ["3", "2", "1", "24", "23", "22"])
+        _, pins = self.draw_bus(("SO24", "QFP24"))
+        self.assertEqual(min(pins, key=lambda pin: (pins[pin][0], pins[pin][1])), "1")
+        drawing, _ = self.draw_bus(("SO24", "ODD"), ("VCC    : linkage", "VCC : POWER_POS"))
+        self.assertIn("the shape of this package is not known", drawing)
+        self.assertIn(">power_pos: positive supply (2)<", drawing)
 
     def test_odd_bytes_are_escaped(self):
         path = self.write_hub("odd.bsd", ("RST_N   : in", ODD + " : in"),

@@ -1,17 +1,14 @@
 // The words of BSDL for the model's values.
 #pragma once
 
-#include <bscan/bscan.h>
+#include "drawing/words.h"
 
 #include <string>
 #include <string_view>
 
 namespace tool {
 
-std::string_view Word(eSignal signal);
-std::string_view Word(PortType mode);
-std::string_view Word(CellType type);
-std::string_view Word(CellFunction function);
+using bscan::drawing::Word;
 
 /// A name as BSDL compares it: its letters in upper case.
 std::string Upper(std::string_view text);

@@ -1,4 +1,4 @@
-#include "package_layout.h"
+#include "drawing/package_layout.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <unordered_map>
 
-namespace tool {
+namespace bscan::drawing {
 namespace {
 
 // Rows are lettered without the letters that look like digits or each other.
@@ -133,33 +133,64 @@ bool HasAnyOf(const std::string& name, const std::vector<std::string_view>& part
                        [&](std::string_view part) { return name.find(part) != std::string::npos; });
 }
 
-bool OnFourSides(const std::string& package, int count) {
-    if (HasAnyOf(package, {"qf", "lcc", "mlf"})) return true;
-    if (HasAnyOf(package, {"so", "dip", "dw"})) return false;
-    return count >= 40 && count % 4 == 0;
+enum class Outline { kUnknown, kTwoSides, kFourSides, kChipCarrier };
+
+// Leads of chip carriers begin in the middle of the upper side.
+Outline OutlineOf(const std::string& package) {
+    if (HasAnyOf(package, {"plcc", "clcc", "jlcc", "lcc"})) return Outline::kChipCarrier;
+    if (HasAnyOf(package, {"qf", "mlf", "qn", "cq", "tq"})) return Outline::kFourSides;
+    if (HasAnyOf(package, {"so", "dip", "dil", "dw"})) return Outline::kTwoSides;
+    return Outline::kUnknown;
+}
+
+// Positions counter-clockwise along the sides, from 0 for pin 1.
+struct Ring {
+    bool four_sides = false;
+    int slots = 0;
+    int turned = 0;  // how far pin 1 is from the upper left corner
+
+    void Place(int position, PinPlace& place) const {
+        constexpr std::array<Side, 4> kFour = {Side::kLeft, Side::kBottom, Side::kRight,
+                                               Side::kTop};
+        constexpr std::array<Side, 2> kTwo = {Side::kLeft, Side::kRight};
+        const int at = (position + turned) % ((four_sides ? 4 : 2) * slots);
+        const auto side = static_cast<std::size_t>(at / slots);
+        place.side = four_sides ? kFour[side] : kTwo[side];
+        place.slot = at % slots;
+    }
+};
+
+Ring RingFor(Outline outline, int count) {
+    const bool guess_four = outline == Outline::kUnknown && count >= 40 && count % 4 == 0;
+    Ring ring;
+    ring.four_sides =
+        outline == Outline::kFourSides || outline == Outline::kChipCarrier || guess_four;
+    ring.slots = ring.four_sides ? (count + 3) / 4 : (count + 1) / 2;
+    if (outline == Outline::kChipCarrier) ring.turned = 3 * ring.slots + ring.slots / 2;
+    return ring;
 }
 
 // Numbers of pins that the package lacks keep their places, unless they would be most of them.
 void PlaceAlongSides(const Sorted& sorted, const std::string& package, PackageLayout& layout) {
     const std::vector<AxisLabel> order = Columns(sorted.designators);
-    const int first = order.empty() ? 0 : std::stoi(order.front().text);
-    const bool dense =
-        !order.empty() && std::stoi(order.back().text) - first == order.back().position;
-    const int offset = dense && first <= static_cast<int>(order.size()) ? first - 1 : 0;
-    const int count = order.empty() ? 0 : order.back().position + 1 + offset;
-    const int sides = OnFourSides(package, count) ? 4 : 2;
-    layout.shape = sides == 4 ? PackageShape::kFourSides : PackageShape::kTwoSides;
-    layout.slots = (count + sides - 1) / sides;
+    const Outline outline = OutlineOf(package);
+    layout.is_known = outline != Outline::kUnknown;
+    if (order.empty()) return;
+    const int lowest = std::stoi(order.front().text);
+    const bool dense = std::stoi(order.back().text) - lowest == order.back().position;
+    const int offset = dense && lowest <= static_cast<int>(order.size()) ? lowest - 1 : 0;
+    const Ring ring = RingFor(outline, order.back().position + 1 + offset);
+    layout.shape = ring.four_sides ? PackageShape::kFourSides : PackageShape::kTwoSides;
+    layout.slots = ring.slots;
+    PinPlace first;
+    ring.Place(0, first);
+    layout.first_side = first.side;
+    layout.first_slot = first.slot;
     const Positions positions = ByText(order);
-    constexpr std::array<Side, 4> kFour = {Side::kLeft, Side::kBottom, Side::kRight, Side::kTop};
-    constexpr std::array<Side, 2> kTwo = {Side::kLeft, Side::kRight};
     for (std::size_t i = 0; i < sorted.pins.size(); ++i) {
-        const int position = positions.at(std::to_string(sorted.designators[i].number)) + offset;
         PinPlace place;
         place.pin = sorted.pins[i];
-        const auto side = static_cast<std::size_t>(position / layout.slots);
-        place.side = sides == 4 ? kFour[side] : kTwo[side];
-        place.slot = position % layout.slots;
+        ring.Place(positions.at(std::to_string(sorted.designators[i].number)) + offset, place);
         layout.places.push_back(place);
     }
 }
@@ -184,4 +215,4 @@ PackageLayout LayOut(const std::vector<std::string>& pins, const std::string& pa
     return layout;
 }
 
-}  // namespace tool
+}  // namespace bscan::drawing

@@ -1,10 +1,8 @@
-#include "printable.h"
+#include "drawing/printable.h"
 
-#include <fmt/format.h>
+#include <string_view>
 
-#include <iterator>
-
-namespace tool {
+namespace bscan::drawing {
 namespace {
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
@@ -31,8 +29,10 @@ bool IsControl(char32_t code) {
 }
 
 void AppendEscaped(std::string& out, std::string_view bytes) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
     for (const char byte : bytes) {
-        fmt::format_to(std::back_inserter(out), "\\x{:02X}", static_cast<unsigned char>(byte));
+        const auto value = static_cast<unsigned char>(byte);
+        out.append("\\x").append(1, kDigits[value / 16]).append(1, kDigits[value % 16]);
     }
 }
 
@@ -85,4 +85,4 @@ std::size_t Width(std::string_view text) {
     return width;
 }
 
-}  // namespace tool
+}  // namespace bscan::drawing

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace tool {
+namespace bscan::drawing {
 
 /// Text for an SVG element or attribute.
 std::string XmlText(std::string_view text);
@@ -41,4 +41,4 @@ private:
     std::string body_;
 };
 
-}  // namespace tool
+}  // namespace bscan::drawing
