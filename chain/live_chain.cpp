@@ -233,6 +233,35 @@ ChainResult LiveChain::PlayOne(const ScanOperation& operation, const OnFailure& 
     return result;
 }
 
+ChainResult LiveChain::PlayAndCapture(const ScanProgram& program, const OnCapture& captured) {
+    return Guard([&]() -> ChainResult {
+        if (!program.result.Ok()) return program.result;
+        if (tap_.empty()) return Refuse(ChainCode::kWrongChain, "There is no chain to play on.");
+        std::string answer;
+        ChainResult result = Command("verify_ircapture disable", answer);
+        if (result.Ok()) result = PlayOperations(program, captured);
+        const ChainResult released = Release();
+        if (result.Ok()) result = released;
+        const ChainResult restored = Command("verify_ircapture enable", answer);
+        return result.Ok() ? restored : result;
+    });
+}
+
+ChainResult LiveChain::PlayOperations(const ScanProgram& program, const OnCapture& captured) {
+    for (const ScanOperation& operation : program.operations) {
+        if (operation.kind != OperationKind::kDataScan) {
+            ChainResult result = PlayOne(operation, nullptr);
+            if (!result.Ok()) return result;
+            continue;
+        }
+        ScanBits bits;
+        ChainResult result = ScanData(operation.out, &bits);
+        if (!result.Ok()) return result;
+        if (!captured(operation, bits)) return {};
+    }
+    return {};
+}
+
 ChainResult LiveChain::PlayWait(const Wait& wait) {
     std::string answer;
     switch (wait.unit) {

@@ -65,6 +65,14 @@ public:
     ChainResult Play(const ScanProgram& program, const OnOperation& before,
                      const OnFailure& failed);
 
+    /// Takes what came back from a data scan. @return false to end the program there.
+    using OnCapture = std::function<bool(const ScanOperation& operation, const ScanBits& captured)>;
+
+    /// Plays a program and hands out what each data scan brings back. Nothing is compared, not
+    /// even by OpenOCD, so that what a broken chain gives can be looked at. The pins are given back
+    /// at the end, whatever it is.
+    ChainResult PlayAndCapture(const ScanProgram& program, const OnCapture& captured);
+
     /// Brings the chain into reset, where every pin is the device's own again.
     ChainResult Release();
 
@@ -81,6 +89,7 @@ private:
     BSCAN_LOCAL ChainResult SelectAndScan(const char* instruction, const char* instead);
     BSCAN_LOCAL ChainResult Enter(bool extest);
     BSCAN_LOCAL ChainResult PlayOne(const ScanOperation& operation, const OnFailure& failed);
+    BSCAN_LOCAL ChainResult PlayOperations(const ScanProgram& program, const OnCapture& captured);
     BSCAN_LOCAL ChainResult PlayWait(const Wait& wait);
 
     OpenOcd& link_;
