@@ -16,7 +16,6 @@ constexpr std::uint32_t kMarker = 0x1ACFFC1D;
 constexpr int kMarkerBits = 32;
 constexpr int kIdcodeBits = 32;
 constexpr int kVersionBits = 4;
-constexpr std::string_view kDeviceId = "DEVICE_ID";
 
 bool MarkerBit(int bit) { return (kMarker >> bit & 1U) != 0; }
 
@@ -40,31 +39,64 @@ std::optional<bool> IdcodeBit(const std::vector<std::string>& idcodes, int bit) 
     return wanted == '1';
 }
 
-// A scan through the selected registers that pushes the marker through them.
-void AddMarkerScan(const Chain& chain, ScanProgram& program) {
+ScanOperation DataScan(int bits) {
     ScanOperation scan;
     scan.kind = OperationKind::kDataScan;
-    scan.fields = chain.DataFields();
-    const int length = LengthOf(*scan.fields);
-    scan.out = ScanBits(length + kMarkerBits);
-    scan.wanted = ScanBits(length + kMarkerBits);
-    scan.mask = ScanBits(length + kMarkerBits);
-    const auto expect = [&scan](int bit, bool level) {
-        scan.wanted.Set(bit, level);
-        scan.mask.Set(bit, true);
-    };
+    scan.out = ScanBits(bits);
+    scan.wanted = ScanBits(bits);
+    scan.mask = ScanBits(bits);
+    return scan;
+}
+
+void Expect(ScanOperation& scan, int bit, bool level) {
+    scan.wanted.Set(bit, level);
+    scan.mask.Set(bit, true);
+}
+
+// Puts the marker in front, to come out behind a register.
+void AddMarker(ScanOperation& scan, int length) {
     for (int bit = 0; bit < kMarkerBits; ++bit) {
         scan.out.Set(bit, MarkerBit(bit));
-        expect(length + bit, MarkerBit(bit));
+        if (length >= 0) Expect(scan, length + bit, MarkerBit(bit));
     }
-    for (const ScanField& field : *scan.fields) {
-        if (field.register_name == "BYPASS") expect(field.first, false);
-        if (field.register_name != kDeviceId) continue;
-        for (int bit = 0; bit < kIdcodeBits; ++bit) {
-            const auto level = IdcodeBit(chain.Device(field.device).idcodes, bit);
-            if (level) expect(field.first + bit, *level);
+}
+
+// A scan through the selected registers that pushes the marker through them.
+void AddMarkerScan(const Chain& chain, ScanProgram& program) {
+    const std::shared_ptr<const ScanFields> fields = chain.DataFields();
+    const int length = LengthOf(*fields);
+    ScanOperation scan = DataScan(length + kMarkerBits);
+    scan.fields = fields;
+    AddMarker(scan, length);
+    for (const ScanField& field : *fields) {
+        if (field.register_name == "BYPASS") Expect(scan, field.first, false);
+    }
+    program.operations.push_back(std::move(scan));
+}
+
+// What a reset selects is shifted out: the IDCODE of a device that has one, BYPASS of others. No
+// instruction is needed for that, which might be taken for another by a device that is not the one
+// that it should be.
+void AddIdcodeScan(const Chain& chain, ScanProgram& program) {
+    bool known = true;
+    int length = 0;
+    ScanOperation scan = DataScan((chain.DeviceCount() + 1) * kIdcodeBits);
+    for (int device = chain.DeviceCount(); device-- > 0;) {
+        const ChainDevice& described = chain.Device(device);
+        known = known && described.HasModel();
+        if (!known) continue;
+        if (described.idcodes.empty()) {
+            Expect(scan, length++, false);
+            continue;
         }
+        for (int bit = 0; bit < kIdcodeBits; ++bit) {
+            if (const auto level = IdcodeBit(described.idcodes, bit)) {
+                Expect(scan, length + bit, *level);
+            }
+        }
+        length += kIdcodeBits;
     }
+    AddMarker(scan, known ? length : -1);
     program.operations.push_back(std::move(scan));
 }
 
@@ -96,16 +128,8 @@ void AddInstructionScan(Chain& chain, const std::vector<InstructionChoice>& choi
 void AddIntegrityScans(Chain& chain, const std::vector<InstructionChoice>& preload,
                        ScanProgram& program) {
     program.operations.emplace_back().kind = OperationKind::kReset;
-    std::vector<InstructionChoice> idcodes;
-    for (int device = 0; device < chain.DeviceCount(); ++device) {
-        if (chain.Device(device).idcodes.empty()) continue;
-        if (chain.CanSelect(device, "IDCODE").Ok()) idcodes.push_back({device, "IDCODE"});
-    }
-    if (!idcodes.empty()) {
-        AddComment("Chain: IDCODE of each device that has one, without its version", program);
-        AddInstructionScan(chain, idcodes, program);
-        AddMarkerScan(chain, program);
-    }
+    AddComment("Chain: IDCODE of each device that has one, without its version", program);
+    AddIdcodeScan(chain, program);
     AddComment("Chain: one bit of BYPASS for each device", program);
     AddInstructionScan(chain, {}, program);
     AddMarkerScan(chain, program);
@@ -152,18 +176,13 @@ std::string DifferingDevices(const Chain& chain, const ScanOperation& operation,
     return names;
 }
 
-bool HasIdcodes(const ScanFields& fields) {
-    return std::any_of(fields.begin(), fields.end(),
-                       [](const ScanField& field) { return field.register_name == kDeviceId; });
-}
-
 }  // namespace
 }  // namespace detail
 
 std::string JudgeIntegrity(const Chain& chain, const ScanOperation& operation,
                            const ScanBits& captured) {
-    if (operation.kind != OperationKind::kDataScan || operation.mask.Empty() ||
-        operation.step >= 0 || captured.Size() != operation.out.Size()) {
+    if (operation.fields == nullptr || operation.mask.Empty() || operation.step >= 0 ||
+        captured.Size() != operation.out.Size()) {
         return {};
     }
     if (detail::IsConstant(captured)) {
@@ -174,22 +193,15 @@ std::string JudgeIntegrity(const Chain& chain, const ScanOperation& operation,
     const int length = operation.out.Size() - detail::kMarkerBits;
     const int found = detail::FindMarker(captured);
     const std::string names = detail::DifferingDevices(chain, operation, captured);
-    const bool idcodes = detail::HasIdcodes(*operation.fields);
     if (found == length && names.empty()) return {};
-    if (found == length && idcodes)
-        return "The IDCODE that the board gives is not that of " + names + ".";
     if (found == length) return "The chain does not begin as it should at " + names + ".";
     if (found < 0) {
-        std::string text = "What goes into TDI does not come out of TDO behind " +
-                           detail::Count(length, "bit") +
-                           ": the chain is broken, or longer than its devices tell.";
-        if (idcodes && !names.empty()) text += " The IDCODE differs at " + names + ".";
-        return text;
+        return "What goes into TDI does not come out of TDO behind " +
+               detail::Count(length, "bit") +
+               ": the chain is broken, or longer than its devices tell.";
     }
-    std::string text = "The chain has " + detail::Count(found, "bit") + " where its devices have " +
-                       std::to_string(length) + ": a device is missing, added, or another one";
-    if (idcodes && !names.empty()) text += "; the IDCODE differs at " + names;
-    return text + ".";
+    return "The chain has " + detail::Count(found, "bit") + " where its devices have " +
+           std::to_string(length) + ": a device is missing, added, or another one.";
 }
 
 }  // namespace bscan

@@ -100,24 +100,30 @@ private:
             Connect(options_.link, OpenOcdConfiguration(loaded_.devices.chain), process, link);
         if (!trouble.empty()) return BreakOff(trouble);
         bscan::LiveChain live(link, loaded_.devices.chain);
-        const bscan::ChainResult attached = live.Attach();
+        taps_ = live.CheckTaps();
+        const bscan::ChainResult attached = live.Attach(false);
+        if (!attached.Ok()) return BreakOff(attached.reason);
         const bscan::ChainResult played = live.PlayAndCapture(
             test_.program,
             [this](const bscan::ScanOperation& operation, const bscan::ScanBits& captured) {
                 return Take(operation, captured);
             });
-        if (!result_.chain_ok) return;
-        if (!attached.Ok()) return BreakOff(attached.reason);
-        if (!played.Ok()) BreakOff(played.reason);
+        if (result_.chain_ok && !played.Ok()) BreakOff(played.reason);
     }
 
+    // The first scan goes through BYPASS, which every device understands, and tells more about a
+    // broken chain. Another instruction might be taken for EXTEST where the chain is another.
     // @return whether the program may go on.
     bool Take(const bscan::ScanOperation& operation, const bscan::ScanBits& captured) {
         const std::string broken =
             bscan::JudgeIntegrity(loaded_.devices.chain, operation, captured);
-        if (!broken.empty()) BreakOff(broken);
+        if (!broken.empty()) {
+            BreakOff(broken);
+        } else if (!taps_.Ok()) {
+            BreakOff(taps_.reason);
+        }
         if (operation.step >= 0) captures_.push_back(captured);
-        return broken.empty() && !Interrupted();
+        return result_.chain_ok && !Interrupted();
     }
 
     int Judge() {
@@ -157,6 +163,7 @@ private:
     LoadedBoard loaded_;
     bscan::BoardTest test_;
     std::vector<bscan::ScanBits> captures_;
+    bscan::ChainResult taps_;
     TestResult result_;
 };
 

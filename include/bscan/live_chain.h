@@ -42,7 +42,14 @@ public:
 
     /// Takes the chain over from OpenOCD's own TAPs, and compares the IDCODEs of its devices,
     /// without their version.
-    ChainResult Attach();
+    ///
+    /// @param check_idcodes  false to leave that to somebody else.
+    ChainResult Attach(bool check_idcodes = true);
+
+    /// Lets OpenOCD look at its own TAPs, before Attach(): their IDCODEs, and the length of the
+    /// instruction registers and what they capture, as its configuration tells. Every device has
+    /// IDCODE or BYPASS meanwhile, so that nothing is driven even where the chain is another.
+    ChainResult CheckTaps();
 
     /// Takes a capture under SAMPLE, which disturbs no pin; while pins are driven, under EXTEST.
     ///
@@ -68,9 +75,10 @@ public:
     /// Takes what came back from a data scan. @return false to end the program there.
     using OnCapture = std::function<bool(const ScanOperation& operation, const ScanBits& captured)>;
 
-    /// Plays a program and hands out what each data scan brings back. Nothing is compared, not
-    /// even by OpenOCD, so that what a broken chain gives can be looked at. The pins are given back
-    /// at the end, whatever it is.
+    /// Plays a program and hands out what each data scan with fields brings back; those without,
+    /// which read what a reset selects, are left out, as OpenOCD does not allow them. Nothing is
+    /// compared, not even by OpenOCD, so that what a broken chain gives can be looked at. The pins
+    /// are given back at the end, whatever it is.
     ChainResult PlayAndCapture(const ScanProgram& program, const OnCapture& captured);
 
     /// Brings the chain into reset, where every pin is the device's own again.

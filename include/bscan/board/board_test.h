@@ -60,7 +60,8 @@ BSCAN_EXPORT BoardTest PlanBoardTest(Chain& chain, const Board& board);
 /// @param captured  as long as the scan.
 BSCAN_EXPORT void TakeCapture(BoardTest& test, int number, const ScanBits& captured);
 
-/// Judges a scan of the part of a program that tests the chain's integrity.
+/// Judges a scan of the part of a program that tests the chain's integrity. The first of them
+/// reads IDCODEs straight after a reset and has no fields; it is for players that compare.
 ///
 /// @return what is wrong with the chain in a sentence; empty when nothing is.
 BSCAN_EXPORT std::string JudgeIntegrity(const Chain& chain, const ScanOperation& operation,
