@@ -2,6 +2,8 @@
 
 #include <bscan/board/board_test.h>
 
+#include "chain/reset_state.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <optional>
@@ -16,6 +18,7 @@ constexpr std::uint32_t kMarker = 0x1ACFFC1D;
 constexpr int kMarkerBits = 32;
 constexpr int kIdcodeBits = 32;
 constexpr int kVersionBits = 4;
+constexpr std::string_view kDeviceId = "DEVICE_ID";
 
 bool MarkerBit(int bit) { return (kMarker >> bit & 1U) != 0; }
 
@@ -57,7 +60,7 @@ void Expect(ScanOperation& scan, int bit, bool level) {
 void AddMarker(ScanOperation& scan, int length) {
     for (int bit = 0; bit < kMarkerBits; ++bit) {
         scan.out.Set(bit, MarkerBit(bit));
-        if (length >= 0) Expect(scan, length + bit, MarkerBit(bit));
+        Expect(scan, length + bit, MarkerBit(bit));
     }
 }
 
@@ -70,6 +73,11 @@ void AddMarkerScan(const Chain& chain, ScanProgram& program) {
     AddMarker(scan, length);
     for (const ScanField& field : *fields) {
         if (field.register_name == "BYPASS") Expect(scan, field.first, false);
+        if (field.register_name != kDeviceId) continue;
+        for (int bit = 0; bit < kIdcodeBits; ++bit) {
+            const auto level = IdcodeBit(chain.Device(field.device).idcodes, bit);
+            if (level) Expect(scan, field.first + bit, *level);
+        }
     }
     program.operations.push_back(std::move(scan));
 }
@@ -78,13 +86,11 @@ void AddMarkerScan(const Chain& chain, ScanProgram& program) {
 // instruction is needed for that, which might be taken for another by a device that is not the one
 // that it should be.
 void AddIdcodeScan(const Chain& chain, ScanProgram& program) {
-    bool known = true;
     int length = 0;
     ScanOperation scan = DataScan((chain.DeviceCount() + 1) * kIdcodeBits);
     for (int device = chain.DeviceCount(); device-- > 0;) {
         const ChainDevice& described = chain.Device(device);
-        known = known && described.HasModel();
-        if (!known) continue;
+        if (!described.HasModel() || !IsResetStateKnown(chain, device)) return;
         if (described.idcodes.empty()) {
             Expect(scan, length++, false);
             continue;
@@ -96,7 +102,8 @@ void AddIdcodeScan(const Chain& chain, ScanProgram& program) {
         }
         length += kIdcodeBits;
     }
-    AddMarker(scan, known ? length : -1);
+    AddMarker(scan, length);
+    AddComment("Chain: IDCODE of each device that has one, without its version", program);
     program.operations.push_back(std::move(scan));
 }
 
@@ -128,11 +135,20 @@ void AddInstructionScan(Chain& chain, const std::vector<InstructionChoice>& choi
 void AddIntegrityScans(Chain& chain, const std::vector<InstructionChoice>& preload,
                        ScanProgram& program) {
     program.operations.emplace_back().kind = OperationKind::kReset;
-    AddComment("Chain: IDCODE of each device that has one, without its version", program);
     AddIdcodeScan(chain, program);
     AddComment("Chain: one bit of BYPASS for each device", program);
     AddInstructionScan(chain, {}, program);
     AddMarkerScan(chain, program);
+    std::vector<InstructionChoice> idcodes;
+    for (int device = 0; device < chain.DeviceCount(); ++device) {
+        if (chain.Device(device).idcodes.empty()) continue;
+        if (chain.CanSelect(device, "IDCODE").Ok()) idcodes.push_back({device, "IDCODE"});
+    }
+    if (!idcodes.empty()) {
+        AddComment("Chain: IDCODE once more, by its instruction", program);
+        AddInstructionScan(chain, idcodes, program);
+        AddMarkerScan(chain, program);
+    }
     AddComment("Chain: length of the boundary registers", program);
     AddInstructionScan(chain, preload, program);
     AddMarkerScan(chain, program);
@@ -194,6 +210,12 @@ std::string JudgeIntegrity(const Chain& chain, const ScanOperation& operation,
     const int found = detail::FindMarker(captured);
     const std::string names = detail::DifferingDevices(chain, operation, captured);
     if (found == length && names.empty()) return {};
+    const bool has_code = std::any_of(
+        operation.fields->begin(), operation.fields->end(),
+        [](const ScanField& field) { return field.register_name == detail::kDeviceId; });
+    if (found == length && has_code) {
+        return "The IDCODE that the board gives is not that of " + names + ".";
+    }
     if (found == length) return "The chain does not begin as it should at " + names + ".";
     if (found < 0) {
         return "What goes into TDI does not come out of TDO behind " +

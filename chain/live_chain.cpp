@@ -2,6 +2,7 @@
 
 #include <bscan/live_chain.h>
 
+#include "chain/reset_state.h"
 #include "chain/wording.h"
 #include "support/border.h"
 
@@ -85,6 +86,9 @@ bool FitsIdcode(const ChainDevice& device, std::uint32_t idcode) {
 // nothing else tells. It lists TAPs from TDO.
 ChainResult LiveChain::CheckTaps() {
     return Guard([&]() -> ChainResult {
+        for (int device = 0; device < chain_.DeviceCount(); ++device) {
+            if (!detail::IsResetStateKnown(chain_, device)) return {};
+        }
         std::string answer;
         ChainResult result = Command(
             "set bscan_fits 0; foreach bscan_tap [jtag names] { jtag configure $bscan_tap -event "
