@@ -9,13 +9,12 @@ bool MayBeDriven(NetClass net_class) {
     return net_class == NetClass::kSignal || net_class == NetClass::kHeld;
 }
 
+// The level to which a driver pulls its pin while it is off.
 std::optional<bool> LevelOf(eSignal signal) {
     switch (signal) {
-        case SIG_0:
         case SIG_PULL0:
         case SIG_WEAK0:
             return false;
-        case SIG_1:
         case SIG_PULL1:
         case SIG_WEAK1:
             return true;
@@ -82,6 +81,7 @@ void DriverTable::AddPin(int pin) {
             made.control = control;
             known.drivers.push_back(static_cast<int>(drivers_.size()));
         }
+        made.pulls_to = LevelOf(cells.output->disableResult);
         if (cells.control == cells.output) made.lets_go_at = !on_level;
     }
     by_net_[static_cast<std::size_t>(placed.net)].push_back(static_cast<int>(drivers_.size()));
@@ -153,9 +153,19 @@ void DriverTable::RuleOutBesidePermanent() {
 bool DriverTable::CanGive(const NetDriver& driver, bool level) const {
     if (!driver.can_code) return false;
     if (!driver.lets_go_at || *driver.lets_go_at != level) return true;
-    const BoardPin& pin = board_.pins[static_cast<std::size_t>(driver.pin)];
-    const PinCells cells = chain_.Driver(pin.element.device)->Cells(pin.element.element);
-    return LevelOf(cells.output->disableResult) == level || Net(driver.net).PulledTo() == level;
+    return ReleasedLevel(driver.net) == level;
+}
+
+std::optional<bool> DriverTable::ReleasedLevel(int net) const {
+    std::optional<bool> level = Net(net).PulledTo();
+    if (!level && !Net(net).pulls.empty()) return std::nullopt;
+    for (const int number : DriversOf(net)) {
+        const NetDriver& driver = drivers_[static_cast<std::size_t>(number)];
+        if (!driver.pulls_to) continue;
+        if (level && *level != *driver.pulls_to) return std::nullopt;
+        level = driver.pulls_to;
+    }
+    return level;
 }
 
 bool DriverTable::CanTest(int driver) const {

@@ -14,9 +14,10 @@ namespace bscan::detail {
 struct NetDriver {
     int pin = -1;  // of the board
     int net = -1;
-    int control = -1;       // -1: always on
-    int output_bit = -1;    // of a data scan
-    bool can_code = false;  // the test decides about its level
+    int control = -1;              // -1: always on
+    int output_bit = -1;           // of a data scan
+    bool can_code = false;         // the test decides about its level
+    std::optional<bool> pulls_to;  // while it is off
     // Of an output that is its own control: the level at which it lets go.
     std::optional<bool> lets_go_at;
 };
@@ -51,6 +52,9 @@ public:
     int PermanentDriver(int net) const { return permanent_[static_cast<std::size_t>(net)]; }
     // Whether a driver may be turned on, or is on anyway, and gives both levels.
     bool CanTest(int driver) const;
+    // The level of a net that nobody drives, by its pulls and those within devices; nothing where
+    // there is no pull or they disagree.
+    std::optional<bool> ReleasedLevel(int net) const;
     // Whether a pin shows what is on its net.
     bool Receives(int pin) const { return receiver_bits_[static_cast<std::size_t>(pin)] >= 0; }
     int ReceiverBit(int pin) const { return receiver_bits_[static_cast<std::size_t>(pin)]; }

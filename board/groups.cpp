@@ -24,7 +24,8 @@ public:
         }
         for (std::size_t net = 0; net < board.nets.size(); ++net) {
             const int number = static_cast<int>(net);
-            if (!tested[net] || !board.nets[net].PulledTo()) continue;
+            if (!tested[net] || !board.nets[net].PulledTo() || !table.ReleasedLevel(number))
+                continue;
             if (table.PermanentDriver(number) < 0) claims_.push_back({-1, {number}});
         }
     }

@@ -27,7 +27,7 @@ public:
         const DriverTable table(chain_, board_);
         test_.problems = table.Problems();
         ChooseNets(table);
-        AddNets();
+        AddNets(table);
         AddPins(table);
         const std::vector<DriverGroup> groups = test_.record.nets.empty()
                                                     ? std::vector<DriverGroup>()
@@ -88,7 +88,7 @@ private:
         return ReasonOf(table, board_.nets[static_cast<std::size_t>(net)], table.DriversOf(net));
     }
 
-    void AddNets() {
+    void AddNets(const DriverTable& table) {
         test_.tested_as.assign(board_.nets.size(), -1);
         for (std::size_t net = 0; net < board_.nets.size(); ++net) {
             if (!tested_[net]) continue;
@@ -106,7 +106,7 @@ private:
             made.name = net.name;
             const auto code = static_cast<TestWord>(i + 1);
             made.code = code | ((~code & ((TestWord{1} << bits) - 1)) << bits);
-            if (net.PulledTo()) {
+            if (net.PulledTo() && table.ReleasedLevel(test_.net_of[i])) {
                 for (const BoardPull& pull : net.pulls) {
                     made.pulls.push_back({pull.pin, pull.segment, pull.level});
                 }

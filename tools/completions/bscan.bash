@@ -11,14 +11,16 @@ _bscan() {
     local command=${COMP_WORDS[1]} options=
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        COMPREPLY=($(compgen -W 'show drive observe check diff draw svf openocd live simulate --help --version' -- "$current"))
+        COMPREPLY=($(compgen -W 'show drive observe check diff draw svf openocd live simulate netlist board test --help --version' -- "$current"))
         return
     fi
     case $previous in
         --format)
-            COMPREPLY=($(compgen -W 'table csv json' -- "$current"))
+            local formats='table csv json'
+            if [[ $command == test ]]; then formats='table json junit'; fi
+            COMPREPLY=($(compgen -W "$formats" -- "$current"))
             return ;;
-        --capture-file | --chain | --steps | --output | -o)
+        --capture-file | --chain | --steps | --adapter | --svf | --captures | --save-captures | --output | -o)
             compopt -o filenames 2>/dev/null
             COMPREPLY=($(compgen -f -- "$current"))
             return ;;
@@ -34,11 +36,18 @@ _bscan() {
         svf) options='--chain --do --steps --output --frequency --from-sample --no-idcode --help' ;;
         openocd) options='--chain --output --help' ;;
         live) options='--chain --openocd --adapter --hold --every --count --vcd --library --help' ;;
+        netlist) options='--format --json --help' ;;
+        board) options='--devices --format --json --help' ;;
+        test) options='--openocd --adapter --svf --frequency --captures --save-captures --format
+            --json --help' ;;
         simulate) options='--chain --net --level --pull --float --open --stuck --short --log
             --adapter-file --port --once --help' ;;
     esac
     if [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))
+    elif [[ $command == @(netlist|board|test) ]]; then
+        compopt -o filenames 2>/dev/null
+        COMPREPLY=($(compgen -f -- "$current"))
     else
         _bscan_files "$current"
     fi
