@@ -2,10 +2,13 @@
 
 #include <bscan/live_chain.h>
 
+#include "chain/reset_state.h"
+#include "chain/wording.h"
 #include "support/border.h"
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <sstream>
 #include <thread>
 #include <utility>
@@ -51,14 +54,71 @@ ChainResult LiveChain::Command(const std::string& tcl, std::string& answer) {
     }
 }
 
-ChainResult LiveChain::Attach() {
+ChainResult LiveChain::Attach(bool check_idcodes) {
     return Guard([&]() -> ChainResult {
         if (chain_.DeviceCount() == 0) {
             return Refuse(ChainCode::kEmpty, "The chain has no devices.");
         }
         ChainResult result = ChooseTap();
-        if (result.Ok()) result = CheckIdcodes();
+        if (result.Ok() && check_idcodes) result = CheckIdcodes();
         return result;
+    });
+}
+
+namespace {
+
+// Whether a device may have an IDCODE, whatever its version; 0 stands for none.
+bool FitsIdcode(const ChainDevice& device, std::uint32_t idcode) {
+    constexpr std::size_t kVersion = 4;
+    if (!device.HasModel() || (device.idcodes.empty() && idcode == 0)) return true;
+    return std::any_of(device.idcodes.begin(), device.idcodes.end(), [&](const std::string& code) {
+        for (std::size_t i = kVersion; i < code.size(); ++i) {
+            const char bit = (idcode >> (code.size() - 1 - i) & 1U) != 0 ? '1' : '0';
+            if ((code[i] == '0' || code[i] == '1') && code[i] != bit) return false;
+        }
+        return true;
+    });
+}
+
+}  // namespace
+
+// OpenOCD runs the handlers of the event when codes, lengths and captures are as they should be;
+// nothing else tells. It lists TAPs from TDO.
+ChainResult LiveChain::CheckTaps() {
+    return Guard([&]() -> ChainResult {
+        for (int device = 0; device < chain_.DeviceCount(); ++device) {
+            if (!detail::IsResetStateKnown(chain_, device)) return {};
+        }
+        std::string answer;
+        ChainResult result = Command(
+            "set bscan_fits 0; foreach bscan_tap [jtag names] { jtag configure $bscan_tap -event "
+            "setup { global bscan_fits; set bscan_fits 1 } }; jtag arp_init; "
+            "set bscan_taps {}; foreach bscan_tap [jtag names] { if {[jtag tapisenabled "
+            "$bscan_tap]} { lappend bscan_taps [jtag cget $bscan_tap -idcode] } }; "
+            "concat $bscan_fits $bscan_taps",
+            answer);
+        const std::vector<std::string> words = Words(answer);
+        if (!result.Ok()) return result;
+        if (words.size() != static_cast<std::size_t>(chain_.DeviceCount()) + 1) {
+            return Refuse(ChainCode::kWrongChain,
+                          "OpenOCD finds another number of devices than the chain has.");
+        }
+        std::string differing;
+        for (std::size_t i = 1; i < words.size(); ++i) {
+            const ChainDevice& device = chain_.Device(chain_.DeviceCount() - static_cast<int>(i));
+            const auto code = std::strtoul(words[i].c_str(), nullptr, 0);
+            if (!FitsIdcode(device, static_cast<std::uint32_t>(code))) {
+                detail::AppendItem(differing, device.name);
+            }
+        }
+        if (!differing.empty()) {
+            return Refuse(ChainCode::kWrongChain,
+                          "The IDCODE that the board gives is not that of " + differing + ".");
+        }
+        if (words.front() == "1") return {};
+        return Refuse(ChainCode::kWrongChain,
+                      "The chain's IDCODEs, or what its instruction registers capture, are not "
+                      "what the files of its devices tell.");
     });
 }
 
@@ -231,6 +291,37 @@ ChainResult LiveChain::PlayOne(const ScanOperation& operation, const OnFailure& 
     if (!result.Ok() || operation.mask.Empty() || !failed) return result;
     for (const FailedCheck& check : Compare(operation, captured)) failed(operation, check);
     return result;
+}
+
+ChainResult LiveChain::PlayAndCapture(const ScanProgram& program, const OnCapture& captured) {
+    return Guard([&]() -> ChainResult {
+        if (!program.result.Ok()) return program.result;
+        if (tap_.empty()) return Refuse(ChainCode::kWrongChain, "There is no chain to play on.");
+        std::string answer;
+        ChainResult result = Command("verify_ircapture disable", answer);
+        if (result.Ok()) result = PlayOperations(program, captured);
+        const ChainResult released = Release();
+        if (result.Ok()) result = released;
+        const ChainResult restored = Command("verify_ircapture enable", answer);
+        return result.Ok() ? restored : result;
+    });
+}
+
+ChainResult LiveChain::PlayOperations(const ScanProgram& program, const OnCapture& captured) {
+    for (const ScanOperation& operation : program.operations) {
+        if (operation.kind != OperationKind::kDataScan) {
+            ChainResult result = PlayOne(operation, nullptr);
+            if (!result.Ok()) return result;
+            continue;
+        }
+        // OpenOCD shifts no data register before an instruction has been: see CheckTaps().
+        if (operation.fields == nullptr) continue;
+        ScanBits bits;
+        ChainResult result = ScanData(operation.out, &bits);
+        if (!result.Ok()) return result;
+        if (!captured(operation, bits)) return {};
+    }
+    return {};
 }
 
 ChainResult LiveChain::PlayWait(const Wait& wait) {

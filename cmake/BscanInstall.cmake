@@ -8,8 +8,10 @@ set(BSCAN_ZSH_COMPLETIONS_DIR
 )
 set(config_dir "${CMAKE_INSTALL_LIBDIR}/cmake/bscan")
 
+# Both libraries lie in one folder.
+set_target_properties(bscan_board PROPERTIES INSTALL_RPATH "\$ORIGIN")
 install(
-    TARGETS bscan
+    TARGETS bscan bscan_board
     EXPORT bscan
     LIBRARY
         DESTINATION "${CMAKE_INSTALL_LIBDIR}"
@@ -47,8 +49,9 @@ endif()
 cmake_path(APPEND pc_libdir "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
 cmake_path(APPEND pc_includedir "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
 configure_file(cmake/bscan.pc.in bscan.pc @ONLY)
+configure_file(cmake/bscan-board.pc.in bscan-board.pc @ONLY)
 install(
-    FILES "${CMAKE_CURRENT_BINARY_DIR}/bscan.pc"
+    FILES "${CMAKE_CURRENT_BINARY_DIR}/bscan.pc" "${CMAKE_CURRENT_BINARY_DIR}/bscan-board.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
     COMPONENT development
 )
@@ -59,6 +62,12 @@ install(
     COMPONENT tools
     FILES_MATCHING
     PATTERN "*.bsd"
+)
+
+install(
+    DIRECTORY examples/boards
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bscan"
+    COMPONENT tools
 )
 
 if(BSCAN_TOOLS)
@@ -72,7 +81,7 @@ if(BSCAN_TOOLS)
     install(TARGETS bscan_tool DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
     install(FILES docs/bscan.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
     install(
-        FILES docs/bscan.schema.json docs/findings.md
+        FILES docs/bscan.schema.json docs/findings.md docs/board-test.md
         DESTINATION "${CMAKE_INSTALL_DATADIR}/bscan"
         COMPONENT tools
     )

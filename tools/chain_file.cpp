@@ -170,12 +170,15 @@ std::string ParseChain(const ChainOptions& options, std::vector<ChainEntry>& ent
     return trouble.empty() ? trouble : fmt::format("{}: {}", Printable(options.file), trouble);
 }
 
+bool LoadDevices(const char* command, LoadedChain& loaded) {
+    return std::all_of(loaded.entries.begin(), loaded.entries.end(),
+                       [&](const ChainEntry& entry) { return AddDevice(command, entry, loaded); });
+}
+
 bool LoadChain(const char* command, const ChainOptions& options, LoadedChain& loaded) {
     const std::string trouble = ParseChain(options, loaded.entries);
     if (!trouble.empty()) Complain(command, trouble);
-    return trouble.empty() &&
-           std::all_of(loaded.entries.begin(), loaded.entries.end(),
-                       [&](const ChainEntry& entry) { return AddDevice(command, entry, loaded); });
+    return trouble.empty() && LoadDevices(command, loaded);
 }
 
 }  // namespace tool

@@ -48,6 +48,9 @@ std::string ParseChain(const ChainOptions& options, std::vector<ChainEntry>& ent
 std::string ParseChainFile(std::string_view text, const std::string& folder,
                            std::vector<ChainEntry>& entries);
 
+/// Reads the files of the entries that are there already, as LoadChain().
+bool LoadDevices(const char* command, LoadedChain& loaded);
+
 /// Reads all files of a chain. Tells on standard error what is wrong, in the name of a command.
 /// @return whether the chain is there.
 bool LoadChain(const char* command, const ChainOptions& options, LoadedChain& loaded);

@@ -3,6 +3,7 @@
 
 #include "chain_file.h"
 #include "device.h"
+#include "openocd_link.h"
 #include "output.h"
 #include "scan_text.h"
 
@@ -142,5 +143,31 @@ struct OpenOcdOptions {
     std::string output;
 };
 int OpenOcd(const OpenOcdOptions& options);
+
+struct NetlistOptions {
+    std::string file;
+    Format format = Format::kTable;
+};
+int Netlist(const NetlistOptions& options);
+
+struct BoardOptions {
+    std::string file;
+    bool devices = false;  ///< the devices alone
+    Format format = Format::kTable;
+};
+int Board(const BoardOptions& options);
+
+enum class ReportFormat { kTable, kJson, kJunit };
+
+struct TestOptions {
+    std::string file;
+    LinkOptions link;
+    std::string svf;            ///< write the vectors there
+    double frequency = 0;       ///< of TCK in that file, in hertz
+    std::string captures;       ///< diagnose these
+    std::string save_captures;  ///< write there what came back
+    ReportFormat format = ReportFormat::kTable;
+};
+int Test(const TestOptions& options);
 
 }  // namespace tool

@@ -6,7 +6,7 @@
 #include "device_library.h"
 #include "device_tables.h"
 #include "interrupt.h"
-#include "openocd_process.h"
+#include "openocd_link.h"
 #include "openocd_text.h"
 #include "printable.h"
 #include "step_text.h"
@@ -33,25 +33,6 @@ using bscan::PinState;
 int Complain(const std::string& message) {
     Write(stderr, fmt::format("bscan live: {}\n", Printable(message)));
     return kProblem;
-}
-
-// Connects to the OpenOCD that the user runs, or starts one.
-bool Connect(const LiveOptions& options, const std::string& chain_text, OpenOcdProcess& process,
-             bscan::OpenOcd& link) {
-    std::string host = "127.0.0.1";
-    int port = bscan::OpenOcd::kDefaultPort;
-    if (!options.adapter.empty()) {
-        const std::string problem = process.Start(options.adapter, chain_text);
-        if (!problem.empty()) return Complain(problem) == kSuccess;
-        port = process.port();
-    } else if (!options.openocd.empty()) {
-        const std::size_t colon = options.openocd.rfind(':');
-        host = options.openocd.substr(0, colon);
-        if (colon != std::string::npos) port = std::atoi(options.openocd.c_str() + colon + 1);
-        if (host.empty()) host = "127.0.0.1";
-    }
-    if (link.Connect(host, port) == bscan::kOk) return true;
-    return Complain(link.Problem()) == kSuccess;
 }
 
 // The pins that the texts name; all that carry a signal when there are none.
@@ -269,7 +250,8 @@ private:
 int IdentifyChain(const LiveOptions& options) {
     OpenOcdProcess process;
     bscan::OpenOcd link;
-    if (!Connect(options, "", process, link)) return kProblem;
+    const std::string trouble = Connect({options.openocd, options.adapter}, "", process, link);
+    if (!trouble.empty()) return Complain(trouble);
     std::string answer;
     const int code = link.Run(
         "set bscan_ids {}; foreach tap [jtag names] { if {[jtag tapisenabled $tap]} { "
@@ -295,7 +277,9 @@ int Live(const LiveOptions& options) {
     if (!LoadChain("live", options.chain, loaded)) return kProblem;
     OpenOcdProcess process;
     bscan::OpenOcd link;
-    if (!Connect(options, OpenOcdConfiguration(loaded.chain), process, link)) return kProblem;
+    const std::string trouble = Connect({options.openocd, options.adapter},
+                                        OpenOcdConfiguration(loaded.chain), process, link);
+    if (!trouble.empty()) return Complain(trouble);
     bscan::LiveChain live(link, loaded.chain);
     return Session(options, loaded.chain, live).Run();
 }

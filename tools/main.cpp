@@ -27,6 +27,9 @@ struct Options {
     SimulateOptions simulate;
     SvfOptions svf;
     OpenOcdOptions openocd;
+    NetlistOptions netlist;
+    BoardOptions board;
+    TestOptions test;
 };
 
 using Command = std::function<int()>;
@@ -365,6 +368,69 @@ void AddSimulate(CLI::App& app, SimulateOptions& options) {
     command->add_flag("--once", options.once, "End when the first player leaves");
 }
 
+void AddNetlist(CLI::App& app, NetlistOptions& options) {
+    CLI::App* command = AddCommand(app, "netlist", "Print the nets of a netlist",
+                                   "bscan netlist board.net --format csv");
+    AddFile(command, "FILE", options.file, "A netlist of KiCad, or CSV with net, part and pin");
+    AddFormat(command, options.format);
+}
+
+void AddBoard(CLI::App& app, BoardOptions& options) {
+    CLI::App* command =
+        AddCommand(app, "board", "Print what is known of a board, and what a test sees",
+                   "bscan board board.toml");
+    AddFile(command, "BOARD.toml", options.file, "The board: its netlist, devices and rules");
+    command->add_flag("--devices", options.devices, "Print the devices alone");
+    AddFormat(command, options.format);
+}
+
+ReportFormat ParseReportFormat(const std::string& name) {
+    static const std::map<std::string, ReportFormat> kNames = {{"table", ReportFormat::kTable},
+                                                               {"json", ReportFormat::kJson},
+                                                               {"junit", ReportFormat::kJunit}};
+    const auto found = kNames.find(name);
+    if (found == kNames.end()) {
+        throw CLI::ValidationError("--format", "is table, json or junit, not " + name);
+    }
+    return found->second;
+}
+
+void AddTest(CLI::App& app, TestOptions& options) {
+    CLI::App* command =
+        AddCommand(app, "test", "Find opens, shorts and stuck nets of a board",
+                   "bscan test board.toml --adapter interface.cfg\n"
+                   "  bscan test board.toml --svf test.svf\n"
+                   "\n"
+                   "Exit status: 0 for a sound board, 1 for faults, 2 for trouble.");
+    AddFile(command, "BOARD.toml", options.file, "The board: its netlist, devices and rules");
+    CLI::Option* port = command->add_option("--openocd", options.link.openocd,
+                                            "Tcl port of a running OpenOCD (127.0.0.1:6666)");
+    port->type_name("HOST:PORT");
+    CLI::Option* adapter =
+        command->add_option("--adapter", options.link.adapter,
+                            "Start OpenOCD with this configuration of an adapter, and end it");
+    adapter->type_name("PATH")->excludes(port);
+    command->add_option("--svf", options.svf, "Write the vectors as SVF; - for standard output")
+        ->type_name("PATH");
+    command->add_option("--frequency", options.frequency, "Of TCK in SVF, in hertz (1000000)")
+        ->check(CLI::PositiveNumber.description(""))
+        ->type_name("HZ");
+    command->add_option("--captures", options.captures, "Diagnose what another player brought back")
+        ->type_name("PATH")
+        ->excludes(port)
+        ->excludes(adapter);
+    command->add_option("--save-captures", options.save_captures, "Write down what came back")
+        ->type_name("PATH");
+    const auto set = [&options](const std::string& name) {
+        options.format = ParseReportFormat(name);
+    };
+    command->add_option_function<std::string>("--format", set, "table, json or junit")
+        ->type_name("FORMAT");
+    command->add_flag_callback(
+        "--json", [&options] { options.format = ReportFormat::kJson; },
+        "The same as --format json");
+}
+
 std::string CommandNames(const CLI::App& app) {
     std::string names;
     for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
@@ -395,7 +461,8 @@ void Describe(CLI::App& app) {
     app.footer(
         "Exit status: 0 when all is well, 1 when a file cannot be read or a request fails, 2 "
         "for\n"
-        "wrong usage. diff: 0 for no difference, 1 for some, 2 for trouble.\n"
+        "wrong usage. diff: 0 for no difference, 1 for some, 2 for trouble. test: 0 for a sound\n"
+        "board, 1 for faults, 2 for trouble; board: 2 for trouble.\n"
         "Colours appear on a terminal only, and not when NO_COLOR is set.\n"
         "\n"
         "Example:\n"
@@ -416,7 +483,10 @@ int Dispatch(const CLI::App& app, const Options& options) {
         {"live", [&] { return Live(options.live); }},
         {"simulate", [&] { return Simulate(options.simulate); }},
         {"svf", [&] { return Svf(options.svf); }},
-        {"openocd", [&] { return OpenOcd(options.openocd); }}};
+        {"openocd", [&] { return OpenOcd(options.openocd); }},
+        {"netlist", [&] { return Netlist(options.netlist); }},
+        {"board", [&] { return Board(options.board); }},
+        {"test", [&] { return Test(options.test); }}};
     return commands.at(app.get_subcommands().front()->get_name())();
 }
 
@@ -436,6 +506,9 @@ int Run(int argc, const char* const* argv) {
     AddSimulate(app, options.simulate);
     AddSvf(app, options.svf);
     AddOpenOcd(app, options.openocd);
+    AddNetlist(app, options.netlist);
+    AddBoard(app, options.board);
+    AddTest(app, options.test);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -42,7 +42,15 @@ public:
 
     /// Takes the chain over from OpenOCD's own TAPs, and compares the IDCODEs of its devices,
     /// without their version.
-    ChainResult Attach();
+    ///
+    /// @param check_idcodes  false to leave that to somebody else.
+    ChainResult Attach(bool check_idcodes = true);
+
+    /// Lets OpenOCD look at its own TAPs, before Attach(): their IDCODEs, and the length of the
+    /// instruction registers and what they capture, as its configuration tells. Every device has
+    /// IDCODE or BYPASS meanwhile, so that nothing is driven even where the chain is another. Where
+    /// a device's file leaves open what it has after a reset, nothing is looked at.
+    ChainResult CheckTaps();
 
     /// Takes a capture under SAMPLE, which disturbs no pin; while pins are driven, under EXTEST.
     ///
@@ -65,6 +73,15 @@ public:
     ChainResult Play(const ScanProgram& program, const OnOperation& before,
                      const OnFailure& failed);
 
+    /// Takes what came back from a data scan. @return false to end the program there.
+    using OnCapture = std::function<bool(const ScanOperation& operation, const ScanBits& captured)>;
+
+    /// Plays a program and hands out what each data scan with fields brings back; those without,
+    /// which read what a reset selects, are left out, as OpenOCD does not allow them. Nothing is
+    /// compared, not even by OpenOCD, so that what a broken chain gives can be looked at. The pins
+    /// are given back at the end, whatever it is.
+    ChainResult PlayAndCapture(const ScanProgram& program, const OnCapture& captured);
+
     /// Brings the chain into reset, where every pin is the device's own again.
     ChainResult Release();
 
@@ -81,6 +98,7 @@ private:
     BSCAN_LOCAL ChainResult SelectAndScan(const char* instruction, const char* instead);
     BSCAN_LOCAL ChainResult Enter(bool extest);
     BSCAN_LOCAL ChainResult PlayOne(const ScanOperation& operation, const OnFailure& failed);
+    BSCAN_LOCAL ChainResult PlayOperations(const ScanProgram& program, const OnCapture& captured);
     BSCAN_LOCAL ChainResult PlayWait(const Wait& wait);
 
     OpenOcd& link_;

@@ -22,12 +22,14 @@ step "the CMake package"
 cmake -S "$here/cmake" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" >"$work/cmake.log"
 cmake --build "$work/cmake" >>"$work/cmake.log"
 "$work/cmake/drive" "$device"
+"$work/cmake/nets" "$prefix/share/bscan/boards/link_board.net"
 
 step "the source tree within another project"
 cmake -S "$here/cmake" -B "$work/subdirectory" -G Ninja -DBSCAN_SOURCE="$source_dir" \
     >"$work/subdirectory.log"
 cmake --build "$work/subdirectory" >>"$work/subdirectory.log"
 "$work/subdirectory/drive" "$device"
+"$work/subdirectory/nets" "$prefix/share/bscan/boards/link_board.net"
 
 step "pkg-config and make"
 cp -r "$here/make" "$work/make"
@@ -52,6 +54,7 @@ done
 step "the tool, its manual page and its completions"
 "$prefix/bin/bscan" --version
 "$prefix/bin/bscan" show "$device" >/dev/null
+"$prefix/bin/bscan" board "$prefix/share/bscan/boards/link_board.toml" >/dev/null
 bash -n "$prefix/share/bash-completion/completions/bscan"
 test -s "$prefix/share/zsh/site-functions/_bscan"
 MANROFFSEQ='' MANWIDTH=80 man --warnings -E UTF-8 -l -Tutf8 -Z "$prefix/share/man/man1/bscan.1" \

@@ -11,15 +11,19 @@ _bscan() {
     local command=${COMP_WORDS[1]} options=
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        COMPREPLY=($(compgen -W 'show drive observe check format identify diff draw svf openocd live simulate --help --version' -- "$current"))
+        COMPREPLY=($(compgen -W 'show drive observe check format identify diff draw svf openocd live simulate netlist board test --help --version' -- "$current"))
         return
     fi
     case $previous in
         --format)
-            [[ $command == check ]] && options=sarif
-            COMPREPLY=($(compgen -W "table csv json $options" -- "$current"))
+            local formats='table csv json'
+            case $command in
+                check) formats='table csv json sarif' ;;
+                test) formats='table json junit' ;;
+            esac
+            COMPREPLY=($(compgen -W "$formats" -- "$current"))
             return ;;
-        --capture-file | --chain | --steps | --output | -o)
+        --capture-file | --chain | --steps | --adapter | --svf | --captures | --save-captures | --output | -o)
             compopt -o filenames 2>/dev/null
             COMPREPLY=($(compgen -f -- "$current"))
             return ;;
@@ -38,11 +42,18 @@ _bscan() {
         svf) options='--chain --do --steps --output --frequency --from-sample --no-idcode --help' ;;
         openocd) options='--chain --output --help' ;;
         live) options='--chain --openocd --adapter --hold --every --count --vcd --library --help' ;;
+        netlist) options='--format --json --help' ;;
+        board) options='--devices --format --json --help' ;;
+        test) options='--openocd --adapter --svf --frequency --captures --save-captures --format
+            --json --help' ;;
         simulate) options='--chain --net --level --pull --float --open --stuck --short --log
             --adapter-file --port --once --help' ;;
     esac
     if [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))
+    elif [[ $command == @(netlist|board|test) ]]; then
+        compopt -o filenames 2>/dev/null
+        COMPREPLY=($(compgen -f -- "$current"))
     else
         _bscan_files "$current"
     fi
