@@ -40,7 +40,7 @@ std::size_t CutColumns(std::string_view text, Columns& columns) {
     return last;
 }
 
-// A port with a subscript, or '*' for none.
+// A '*' anywhere stands for no port. The walk from the back ends with the first '('.
 void CutPort(std::string_view column, CellFields& fields) {
     std::size_t opening = column.size();
     for (std::size_t at = column.size(); at > 0; --at) {
