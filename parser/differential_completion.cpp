@@ -42,14 +42,14 @@ bool MainPass::CompletePair(CDifferentialPair& pair) {
     if (negative == nullptr) return false;
 
     DeviceBuilder builder(device);
-    if (!builder.CanFollow(*negative, *positive)) return true;
+    if (!builder.CanCopyCell(*negative, *positive)) return true;
     std::string name = pair.GetNegativeElement();
     LPinNode* const port = device.GetPortwName(name.data());  // turns the name into upper case
     if (port == nullptr) return true;
 
     pair.SetPositiveBScanPosition(positive->GetBoundaryCellPosition());
     pair.SetNegativeBScanPosition(negative->GetBoundaryCellPosition());
-    builder.Follow(*negative, *positive, name, pair.GetNegativeElement(), *port);
+    builder.CopyCell(*negative, *positive, name, pair.GetNegativeElement(), *port);
     return true;
 }
 
