@@ -2,12 +2,15 @@
 
 #include <bscan/pin_driver.h>
 
-#include "support/border.h"
+#include "model/cell_roles.h"
 #include "support/list_access.h"
 
 #include <algorithm>
 
 namespace bscan {
+
+using detail::BitOf;
+
 namespace {
 
 bool Drives(CellFunction function) {
@@ -25,19 +28,20 @@ struct Part {
     bool receives = false;
 };
 
-// A merged cell has several entries in the file and carries the function of the last. It joins the
-// receiving cell of one port with the driving or control cell of another.
+// A merged cell has several entries in the file: it receives for one port, and drives another or
+// controls its driver. It carries the function and the port of its last entry.
 Part PartOf(const LPinNode& node, const LBScanCell& cell) {
     const PortType mode = node.GetPortType();
     if (mode == PORT_IN) return {false, true};
     if (mode != PORT_INOUT) return {true, false};
     const CellFunction function = cell.GetFunction();
     if (cell.GetPinNode() == &node) return {Drives(function), Receives(function)};
+    // Merged, and the function is that for the other port: what it does there it does not do here.
     return {!Drives(function) && cell.GetControlCell() != nullptr, Drives(function)};
 }
 
-// As BScanPinMap::setPort picks them: drives through the first cell that can, and turns it on
-// through the control cell of the last.
+// Output and control as BScanPinMap::setPort picks them: the first cell that can drive, and the
+// control cell of the last. What only observes receives when nothing else does.
 PinCells CellsOf(const LPinNode& node) {
     PinCells cells;
     LBScanCell* observer = nullptr;
@@ -58,9 +62,6 @@ PinCells CellsOf(const LPinNode& node) {
     if (cells.receiver == nullptr) cells.receiver = observer;
     return cells;
 }
-
-// The level that a cell's bit stands for: only SIG_1 goes in as a 1.
-eSignal BitOf(eSignal level) { return level == SIG_1 ? SIG_1 : SIG_0; }
 
 bool IsOn(const PinCells& cells) {
     if (cells.output == nullptr) return false;
@@ -147,6 +148,7 @@ void PinDriver::Set(LBScanCell& cell, eSignal level) {
 void PinDriver::Preset() {
     LBScanCell* const table = device_->GetBScanCellTable();
     for (int n = 0; n < device_->GetBScanLength(); ++n) {
+        // A cell without an entry has no position.
         if (table[n].GetBoundaryCellPosition() == n) Set(table[n], BitOf(table[n].safeValue));
     }
     for (Element& element : elements_) {
@@ -202,8 +204,7 @@ DriveCode PinDriver::Release(Element& element) {
     if (mode == PORT_IN) return DriveCode::kReceives;
     if (cells.control == nullptr) return DriveCode::kNoTurnOff;
     if (mode == PORT_INOUT) {  // a driver that is off stands at what the pin shows
-        const eSignal idle = cells.output->disableResult;
-        Set(*cells.output, idle == SIG_PULL1 || idle == SIG_WEAK1 ? SIG_1 : SIG_0);
+        Set(*cells.output, detail::IdleBit(cells.output->disableResult));
     }
     Set(*cells.control, BitOf(cells.output->disableValue));  // last, as above
     return DriveCode::kReleased;
