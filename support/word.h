@@ -9,6 +9,8 @@
 
 namespace bscan::detail {
 
+// The first bytes of a text, as many as a Word has; the first of them is the lowest. The text must
+// have them.
 template <class Word = std::uint64_t>
 constexpr std::uint64_t LoadWord(const char* text) {
     if (std::is_constant_evaluated()) {
@@ -40,7 +42,9 @@ constexpr std::uint64_t ShortWord(std::string_view text) {
 // The same byte eight times.
 constexpr std::uint64_t EachByte(std::uint8_t byte) { return byte * 0x0101010101010101U; }
 
-// The highest bit of each byte that lies between two ASCII characters, both included.
+// The highest bit of each byte that lies between two ASCII characters, both included. Without its
+// own highest bit, a byte reaches that bit in `from_first` when it is not below the first
+// character, and in `behind_last` when it is above the last one; no sum carries into the next byte.
 constexpr std::uint64_t BytesBetween(std::uint64_t word, char first, char last) {
     const std::uint64_t low_bits = word & EachByte(0x7F);
     const std::uint64_t from_first = low_bits + EachByte(static_cast<std::uint8_t>(0x80 - first));
@@ -48,7 +52,8 @@ constexpr std::uint64_t BytesBetween(std::uint64_t word, char first, char last) 
     return (from_first ^ behind_last) & ~word & EachByte(0x80);
 }
 
-// Turns the letters of a word into upper case.
+// Turns the letters of a word into upper case: two places to the right of a byte's highest bit is
+// the one in which lower case differs from upper case.
 struct UpperCasing {
     constexpr std::uint64_t operator()(std::uint64_t word) const {
         return word - (BytesBetween(word, 'a', 'z') >> 2);
@@ -56,7 +61,8 @@ struct UpperCasing {
 };
 inline constexpr UpperCasing UpperCaseWord;
 
-// Compares texts of one length word by word; `map` is applied to each word first.
+// Compares texts of one length word by word; `map` is applied to each word first. The last word
+// ends where the text ends, and so may overlap the one before.
 template <class Map>
 bool EqualWords(std::string_view left, std::string_view right, Map map) {
     const std::size_t size = left.size();
