@@ -1,6 +1,7 @@
 // A few characters as one number.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
