@@ -50,7 +50,7 @@ void ModelFiller::Fill(std::string_view file_name) {
     AddCells();
     AddPairs();
     // The lookups of the line reader have this effect, which hosts can see.
-    DeviceBuilder(*parser_.pin_map_).FindElements(looked_at_);
+    DeviceBuilder(*parser_.pin_map_).UpperCaseNames(looked_at_);
 }
 
 void ModelFiller::CreateDevice() {

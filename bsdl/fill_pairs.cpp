@@ -66,10 +66,11 @@ void ModelFiller::CompletePair(CDifferentialPair& pair, const Leg& positive, con
     }
     const LBScanCell* const leader = device.GetBScanCell(OwnCell(positive));
     DeviceBuilder builder(device);
-    if (leader == nullptr || negative.place < 0 || !builder.CanFollow(*follower, *leader)) return;
+    if (leader == nullptr || negative.place < 0 || !builder.CanCopyCell(*follower, *leader)) return;
     pair.positive_position_ = leader->GetBoundaryCellPosition();
     pair.negative_position_ = follower->GetBoundaryCellPosition();
-    builder.Follow(*follower, *leader, negative.cell_name, negative.name, Element(negative.place));
+    builder.CopyCell(*follower, *leader, negative.cell_name, negative.name,
+                     Element(negative.place));
 }
 
 int ModelFiller::OwnCell(const Leg& leg) const {

@@ -19,8 +19,8 @@ struct CellFields {
     int control = -1;  // negative for none
     eSignal disable_value = SIG_0;
     eSignal disable_result = SIG_Z;
-    eSignal value = SIG_X;
-    std::optional<std::string_view> original_name;  // none keeps the cell's second name
+    eSignal value = SIG_X;                          // that the cell begins with
+    std::optional<std::string_view> original_name;  // none keeps the cell's original pin name
 };
 
 }  // namespace bscan::detail

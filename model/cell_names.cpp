@@ -9,7 +9,7 @@
 namespace bscan::detail {
 namespace {
 
-std::string Folded(std::string_view name) {
+std::string InUpperCase(std::string_view name) {
     std::string text(name);
     UpperCase(text);
     return text;
@@ -18,7 +18,7 @@ std::string Folded(std::string_view name) {
 }  // namespace
 
 int CellsByName::First(std::string_view name) const {
-    const int number = names_.Find(Folded(name));
+    const int number = names_.Find(InUpperCase(name));
     if (number == NameTable::kNone) return -1;
     const std::set<int>& positions = positions_[static_cast<std::size_t>(number)];
     return positions.empty() ? -1 : *positions.begin();
@@ -26,14 +26,15 @@ int CellsByName::First(std::string_view name) const {
 
 void CellsByName::Add(std::string_view name, int position) {
     if (name.empty()) return;
-    const auto number = static_cast<std::size_t>(names_.Add(Folded(name)));
+    const auto number = static_cast<std::size_t>(names_.Add(InUpperCase(name)));
     if (number >= positions_.size()) positions_.resize(number + 1);
-    positions_[number].insert(positions_[number].end(), position);  // where most belong
+    std::set<int>& positions = positions_[number];
+    positions.insert(positions.end(), position);  // the end is a hint: most belong there
 }
 
 void CellsByName::Remove(std::string_view name, int position) {
     if (name.empty()) return;
-    positions_[static_cast<std::size_t>(names_.Find(Folded(name)))].erase(position);
+    positions_[static_cast<std::size_t>(names_.Find(InUpperCase(name)))].erase(position);
 }
 
 void CellNames::SetTable(const LBScanCell* cells, int count) {

@@ -36,7 +36,7 @@ public:
     int WithPinName(std::string_view name);
     int WithOriginalName(std::string_view name);
 
-    // Come before and after a cell of the table gets other names.
+    // A cell of the table that gets other names is removed before and added after.
     void Remove(const LBScanCell& cell) noexcept;
     void Add(const LBScanCell& cell) noexcept;
 

@@ -11,10 +11,10 @@ namespace {
 // A set of cell functions, one bit for each.
 using FunctionSet = unsigned;
 
-constexpr FunctionSet Bit(CellFunction function) { return 1U << function; }
+constexpr FunctionSet SetOf(CellFunction function) { return 1U << function; }
 
-constexpr FunctionSet kReceive = Bit(INPUT) | Bit(BIDIR_IN) | Bit(BIDIR);
-constexpr FunctionSet kDrive = Bit(OUTPUT2) | Bit(OUTPUT3) | Bit(BIDIR_OUT) | Bit(BIDIR);
+constexpr FunctionSet kReceive = SetOf(INPUT) | SetOf(BIDIR_IN) | SetOf(BIDIR);
+constexpr FunctionSet kDrive = SetOf(OUTPUT2) | SetOf(OUTPUT3) | SetOf(BIDIR_OUT) | SetOf(BIDIR);
 
 // A host may have set a function that is none.
 bool Holds(FunctionSet set, CellFunction function) {
@@ -23,9 +23,6 @@ bool Holds(FunctionSet set, CellFunction function) {
     return bit < FUNCTION_NONE && (set >> bit & 1U) != 0;
 }
 
-// A level as a cell takes it: SIG_1, or SIG_0 for everything else.
-eSignal AsBit(eSignal level) { return level == SIG_1 ? SIG_1 : SIG_0; }
-
 struct Mode {
     std::string_view text;
     PortType type;
@@ -33,10 +30,10 @@ struct Mode {
 };
 
 constexpr Mode kModes[] = {
-    {"in", PORT_IN, Bit(INPUT) | Bit(CLOCK) | Bit(OBSERVE_ONLY)},
-    {"out", PORT_OUT, Bit(OUTPUT2) | Bit(OUTPUT3)},
-    {"inout", PORT_INOUT, kReceive | kDrive | Bit(OBSERVE_ONLY)},
-    {"buffer", PORT_BUFFER, Bit(OUTPUT2)},
+    {"in", PORT_IN, SetOf(INPUT) | SetOf(CLOCK) | SetOf(OBSERVE_ONLY)},
+    {"out", PORT_OUT, SetOf(OUTPUT2) | SetOf(OUTPUT3)},
+    {"inout", PORT_INOUT, kReceive | kDrive | SetOf(OBSERVE_ONLY)},
+    {"buffer", PORT_BUFFER, SetOf(OUTPUT2)},
 };
 
 // What devices have most comes first.
@@ -78,24 +75,23 @@ CellRoles PickRoles(const LObjList* cells) {
 
 int Receive(PortType mode, const CellRoles& roles, eSignal level) {
     if (roles.observe != nullptr) {
-        roles.observe->cellValue = AsBit(level);
+        roles.observe->cellValue = BitOf(level);
         return kOk;
     }
     if (roles.input == nullptr) return kFailed;
-    roles.input->cellValue = AsBit(level);
+    roles.input->cellValue = BitOf(level);
     if (mode != PORT_INOUT) return kOk;
     if (roles.control == nullptr || roles.output == nullptr) return kFailed;
     roles.control->cellValue = roles.output->disableValue;
     if (roles.output == roles.input) return kOk;
-    const eSignal idle = roles.output->disableResult;
-    roles.output->cellValue = idle == SIG_PULL1 || idle == SIG_WEAK1 ? SIG_1 : SIG_0;
+    roles.output->cellValue = IdleBit(roles.output->disableResult);
     return kOk;
 }
 
 int Drive(PortType mode, const CellRoles& roles, eSignal level) {
     if (roles.control == nullptr || roles.output == nullptr) return kFailed;
     roles.control->cellValue = roles.output->disableValue == SIG_0 ? SIG_1 : SIG_0;
-    roles.output->cellValue = AsBit(level);
+    roles.output->cellValue = BitOf(level);
     return mode == PORT_INOUT && roles.input == nullptr ? kFailed : kOk;
 }
 

@@ -18,6 +18,15 @@ struct CellRoles {
     LBScanCell* observe = nullptr;  // the first that only observes
 };
 
+// A level as a cell's bit holds it: SIG_1, or SIG_0 for everything else.
+inline eSignal BitOf(eSignal level) { return level == SIG_1 ? SIG_1 : SIG_0; }
+
+// What the output cell of a driver that is off holds: the level that its disable result pulls the
+// pin to, SIG_0 when it pulls to none.
+inline eSignal IdleBit(eSignal disable_result) {
+    return disable_result == SIG_PULL1 || disable_result == SIG_WEAK1 ? SIG_1 : SIG_0;
+}
+
 // The roles in a list of cells, which may be null.
 CellRoles PickRoles(const LObjList* cells);
 

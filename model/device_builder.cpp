@@ -23,8 +23,8 @@ void DeviceBuilder::AddPorts(std::optional<std::string_view> name, std::string_v
         return;
     }
     const auto elements = static_cast<std::size_t>(count);
-    const std::size_t text = name ? name->size() * elements : 0;
-    if (text > kMaxPortNameText - device_.port_name_text_) return;
+    const std::size_t name_text = name ? name->size() * elements : 0;
+    if (name_text > kMaxPortNameText - device_.port_name_text_) return;
     const PortType type = ModeFromText(mode, PORT_NONE);
     try {
         nodes.resize(first + elements, nullptr);
@@ -36,8 +36,8 @@ void DeviceBuilder::AddPorts(std::optional<std::string_view> name, std::string_v
         nodes.resize(first);
         throw;
     }
-    device_.port_name_text_ += text;
-    device_.index_->ports.Added();
+    device_.port_name_text_ += name_text;
+    device_.index_->ports.ElementsAdded();
 }
 
 LPinNode* DeviceBuilder::MakeNode(std::optional<std::string_view> name, PortType mode,
@@ -92,7 +92,7 @@ int DeviceBuilder::AddCell(const CellFields& fields) {
                                : device_.index_->ports.FirstNamed(fields.port, fields.port_index));
 }
 
-void DeviceBuilder::FindElements(int count) { device_.index_->ports.UpperCaseUpTo(count - 1); }
+void DeviceBuilder::UpperCaseNames(int count) { device_.index_->ports.UpperCaseUpTo(count - 1); }
 
 int DeviceBuilder::AddCell(const CellFields& fields, LPinNode* node) {
     if (!Takes(fields)) return kFailed;
@@ -118,15 +118,15 @@ int DeviceBuilder::AddCell(const CellFields& fields, LPinNode* node) {
     return result;
 }
 
-bool DeviceBuilder::CanFollow(const LBScanCell& cell, const LBScanCell& leader) const {
-    return leader.control_ != nullptr && cell.position_ > 0 &&
+bool DeviceBuilder::CanCopyCell(const LBScanCell& cell, const LBScanCell& model) const {
+    return model.control_ != nullptr && cell.position_ > 0 &&
            device_.GetBScanCell(cell.position_ - 1) != nullptr;
 }
 
-void DeviceBuilder::Follow(LBScanCell& cell, const LBScanCell& leader, std::string_view pin_name,
-                           std::string_view original_name, LPinNode& port) {
+void DeviceBuilder::CopyCell(LBScanCell& cell, const LBScanCell& model, std::string_view pin_name,
+                             std::string_view original_name, LPinNode& port) {
     const int position = cell.position_;
-    cell.CopyFrom(leader, std::string(pin_name), std::string(original_name));
+    cell.CopyFrom(model, std::string(pin_name), std::string(original_name));
     cell.position_ = position;
     LBScanCell& control = *device_.GetBScanCell(position - 1);
     control = *cell.control_;

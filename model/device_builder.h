@@ -39,16 +39,17 @@ public:
     int AddCell(const CellFields& fields);
     // The same for a cell of an element that is known; null for none.
     int AddCell(const CellFields& fields, LPinNode* node);
-    // Leaves the names of the first elements in upper case, as finding the last of them does.
-    void FindElements(int count);
+    // Turns the names of the first elements into upper case, as a lookup that finds the last of
+    // them does.
+    void UpperCaseNames(int count);
 
-    // Whether a cell can serve a port as another cell serves its own: it needs a cell in front of
-    // it, to be controlled by.
-    bool CanFollow(const LBScanCell& cell, const LBScanCell& leader) const;
-    // Makes a cell of a port the copy of another, and the cell in front of it the copy of that
-    // one's control cell.
-    void Follow(LBScanCell& cell, const LBScanCell& leader, std::string_view pin_name,
-                std::string_view original_name, LPinNode& port);
+    // Whether CopyCell can be done: the model has a control cell, and the cell one in front of it,
+    // which becomes the copy of that.
+    bool CanCopyCell(const LBScanCell& cell, const LBScanCell& model) const;
+    // Makes a cell the copy of a model, but under these names and for this port, and the cell in
+    // front of it the copy of the model's control cell.
+    void CopyCell(LBScanCell& cell, const LBScanCell& model, std::string_view pin_name,
+                  std::string_view original_name, LPinNode& port);
 
 private:
     LPinNode* MakeNode(std::optional<std::string_view> name, PortType mode,

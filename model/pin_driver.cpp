@@ -2,12 +2,15 @@
 
 #include <bscan/pin_driver.h>
 
-#include "support/border.h"
+#include "model/cell_roles.h"
 #include "support/list_access.h"
 
 #include <algorithm>
 
 namespace bscan {
+
+using detail::BitOf;
+
 namespace {
 
 bool Drives(CellFunction function) {
@@ -25,19 +28,20 @@ struct Part {
     bool receives = false;
 };
 
-// A merged cell has several entries in the file and carries the function of the last. It joins the
-// receiving cell of one port with the driving or control cell of another.
+// A merged cell has several entries in the file: it receives for one port, and drives another or
+// controls its driver. It carries the function and the port of its last entry.
 Part PartOf(const LPinNode& node, const LBScanCell& cell) {
     const PortType mode = node.GetPortType();
     if (mode == PORT_IN) return {false, true};
     if (mode != PORT_INOUT) return {true, false};
     const CellFunction function = cell.GetFunction();
     if (cell.GetPinNode() == &node) return {Drives(function), Receives(function)};
+    // Merged, and the function is that for the other port: what it does there it does not do here.
     return {!Drives(function) && cell.GetControlCell() != nullptr, Drives(function)};
 }
 
-// As BScanPinMap::setPort picks them: drives through the first cell that can, and turns it on
-// through the control cell of the last.
+// Output and control as BScanPinMap::setPort picks them: the first cell that can drive, and the
+// control cell of the last. What only observes receives when nothing else does.
 PinCells CellsOf(const LPinNode& node) {
     PinCells cells;
     LBScanCell* observer = nullptr;
@@ -59,40 +63,10 @@ PinCells CellsOf(const LPinNode& node) {
     return cells;
 }
 
-// The level that a cell's bit stands for: only SIG_1 goes in as a 1.
-eSignal BitOf(eSignal level) { return level == SIG_1 ? SIG_1 : SIG_0; }
-
 bool IsOn(const PinCells& cells) {
     if (cells.output == nullptr) return false;
     return cells.control == nullptr ||
            BitOf(cells.control->cellValue) != BitOf(cells.output->disableValue);
-}
-
-const char* Text(eSignal level) {
-    constexpr const char* kTexts[] = {"0", "1", "X", "Z", "PULL0", "PULL1", "WEAK0", "WEAK1"};
-    const auto index = static_cast<std::size_t>(level);
-    return index < std::size(kTexts) ? kTexts[index] : "unknown";
-}
-
-const char* Text(PortType mode) {
-    constexpr const char* kTexts[] = {"in", "out", "inout", "buffer", "linkage"};
-    const auto index = static_cast<std::size_t>(mode);
-    return index < std::size(kTexts) ? kTexts[index] : "unknown";
-}
-
-std::string CellText(const LBScanCell& cell) {
-    return "cell " + std::to_string(cell.GetBoundaryCellPosition()) + " = " + Text(cell.cellValue);
-}
-
-std::string CellTexts(const PinCells& cells) {
-    std::string text = CellText(*cells.output);
-    const bool apart = cells.control != nullptr && cells.control != cells.output;
-    return apart ? text + ", control " + CellText(*cells.control) : text;
-}
-
-std::string WhileOff(const PinCells& cells) {
-    return std::string(", the pin shows ") + Text(cells.output->disableResult) + " (" +
-           CellTexts(cells) + ")";
 }
 
 }  // namespace
@@ -147,6 +121,7 @@ void PinDriver::Set(LBScanCell& cell, eSignal level) {
 void PinDriver::Preset() {
     LBScanCell* const table = device_->GetBScanCellTable();
     for (int n = 0; n < device_->GetBScanLength(); ++n) {
+        // A cell without an entry has no position.
         if (table[n].GetBoundaryCellPosition() == n) Set(table[n], BitOf(table[n].safeValue));
     }
     for (Element& element : elements_) {
@@ -202,46 +177,10 @@ DriveCode PinDriver::Release(Element& element) {
     if (mode == PORT_IN) return DriveCode::kReceives;
     if (cells.control == nullptr) return DriveCode::kNoTurnOff;
     if (mode == PORT_INOUT) {  // a driver that is off stands at what the pin shows
-        const eSignal idle = cells.output->disableResult;
-        Set(*cells.output, idle == SIG_PULL1 || idle == SIG_WEAK1 ? SIG_1 : SIG_0);
+        Set(*cells.output, detail::IdleBit(cells.output->disableResult));
     }
     Set(*cells.control, BitOf(cells.output->disableValue));  // last, as above
     return DriveCode::kReleased;
-}
-
-std::string PinDriver::Explain(int element, DriveCode code) const {
-    const Element* const asked = At(element);
-    if (asked == nullptr) return "the device has no such port element";
-    const PinCells& cells = asked->cells;
-    switch (code) {
-        case DriveCode::kDrives:
-            if (cells.output == nullptr) break;
-            return std::string("drives ") + Text(cells.output->cellValue) + " (" +
-                   CellTexts(cells) + ")";
-        case DriveCode::kLetsGo:
-            if (cells.output != nullptr) return "lets go" + WhileOff(cells);
-            break;
-        case DriveCode::kReleased:
-            if (cells.output != nullptr) return "released" + WhileOff(cells);
-            break;
-        case DriveCode::kReceives:
-            return "receives; it has no driver";
-        case DriveCode::kWrongMode:
-            return std::string("a port of mode ") + Text(asked->node->GetPortType()) +
-                   " cannot be driven";
-        case DriveCode::kNoDriver:
-            if (asked->node->GetPortType() != PORT_NONE) break;
-            return "a port of mode linkage has no driver";
-        case DriveCode::kNoTurnOn:
-            return "the port has no cell that turns its driver on";
-        case DriveCode::kNoTurnOff:
-            return "the port has no cell that turns it off";
-        case DriveCode::kWrongLevel:
-            return "a pin is driven to 0 or 1, or released with Z";
-        case DriveCode::kNoElement:
-            return "the device has no such port element";
-    }
-    return "no cell drives this port";
 }
 
 bool PinDriver::IsDriving(int element) const { return IsOn(Cells(element)); }

@@ -29,14 +29,14 @@ SortedPins SortPins(const std::vector<PIN_NAME>& pins) {
     SortedPins sorted;
     sorted.designators.reserve(pins.size());
     sorted.places.resize(pins.size());
-    const PIN_NAME* last = nullptr;
-    for (const std::size_t coming : order) {
-        const PIN_NAME& pin = pins[coming];
-        if (last == nullptr || pin_smaller(*last, pin)) {
+    const PIN_NAME* previous = nullptr;
+    for (const std::size_t index : order) {
+        const PIN_NAME& pin = pins[index];
+        if (previous == nullptr || pin_smaller(*previous, pin)) {
             sorted.designators.emplace_back(pin.letters).append(std::to_string(pin.number));
         }
-        last = &pin;
-        sorted.places[coming] = sorted.designators.size() - 1;
+        previous = &pin;
+        sorted.places[index] = sorted.designators.size() - 1;
     }
     return sorted;
 }
@@ -46,7 +46,7 @@ std::size_t PlaceOfPin(const std::vector<std::string>& sorted, std::string_view 
     const auto first = std::partition_point(
         sorted.begin(), sorted.end(),
         [&](const std::string& pin) { return pin_smaller(SplitDesignator(pin), sought); });
-    // Pins that only differ in leading zeros and the like have one place in the order.
+    // Designators such as A1 and A01 are equal in the order; which one it is, the spelling tells.
     for (auto pin = first; pin != sorted.end() && !pin_smaller(sought, SplitDesignator(*pin));
          ++pin) {
         if (*pin == designator) return static_cast<std::size_t>(pin - sorted.begin());

@@ -18,13 +18,13 @@ PIN_NAME SplitDesignator(std::string_view designator);
 struct SortedPins {
     // In the order of pin_smaller, letters before digits, without leading zeros.
     std::vector<std::string> designators;
-    // Which of them each pin that was sorted has become, in the order in which those pins came.
+    // For each pin that was handed in, in that order, where among the designators it is.
     std::vector<std::size_t> places;
 };
 SortedPins SortPins(const std::vector<PIN_NAME>& pins);
 
-// The place of the pin that is spelled like a designator among sorted designators, by halving;
-// their count when there is none.
+// The place among sorted designators of the one that is spelled like this, by binary search; their
+// count when there is none.
 std::size_t PlaceOfPin(const std::vector<std::string>& sorted, std::string_view designator);
 
 }  // namespace bscan::detail

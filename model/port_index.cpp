@@ -22,7 +22,8 @@ PortIndex::PortIndex(LObjList& list) : list_(list) { ListAccess::SetOwner(list_,
 
 PortIndex::~PortIndex() { ListAccess::SetOwner(list_, nullptr); }
 
-void PortIndex::Added() {
+// Port names go on being learned where the last lookup stopped; the rest is learned anew.
+void PortIndex::ElementsAdded() {
     PinNameSet();
     PinNumberSet();
 }
@@ -48,7 +49,7 @@ LPinNode* PortIndex::Node(int position) const {
     return static_cast<LPinNode*>(ListAccess::Objects(list_)[static_cast<std::size_t>(position)]);
 }
 
-bool PortIndex::KnowsPortNames() noexcept {
+bool PortIndex::TryLearnPortNames() noexcept {
     if (port_names_open_ || list_changed_) return false;
     try {
         LearnPortNames();
@@ -66,13 +67,13 @@ void PortIndex::LearnPortNames() {
     for (; learned_ < Count(); ++learned_) {
         const LPinNode& node = *Node(learned_);
         if (!node.port_name_) {
-            port_names_open_ = true;  // such an element has rules of its own
+            port_names_open_ = true;  // only a walk knows what such an element does to a lookup
             return;
         }
-        Add(*node.port_name_).declared.push_back(learned_);
+        AddBearers(*node.port_name_).declared.push_back(learned_);
         upper = *node.port_name_;
         UpperCase(upper);
-        Bearers& bearers = Add(upper);
+        Bearers& bearers = AddBearers(upper);
         bearers.upper.push_back(learned_);
         const auto index = static_cast<std::size_t>(node.vector_index_);
         std::vector<int>& firsts = bearers.first_with_index;
@@ -81,12 +82,12 @@ void PortIndex::LearnPortNames() {
     }
 }
 
-const PortIndex::Bearers* PortIndex::Find(std::string_view name) const {
+const PortIndex::Bearers* PortIndex::FindBearers(std::string_view name) const {
     const int number = names_.Find(name);
     return number == NameTable::kNone ? nullptr : &bearers_[static_cast<std::size_t>(number)];
 }
 
-PortIndex::Bearers& PortIndex::Add(std::string_view name) {
+PortIndex::Bearers& PortIndex::AddBearers(std::string_view name) {
     const auto number = static_cast<std::size_t>(names_.Add(name));
     if (number == bearers_.size()) bearers_.emplace_back();
     return bearers_[number];
@@ -99,9 +100,10 @@ void PortIndex::UpperCaseUpTo(int position) {
 }
 
 LPinNode* PortIndex::FirstNamed(std::string_view name, std::optional<int> vector_index) {
-    if (!KnowsPortNames()) return WalkToName(name, vector_index);
+    if (!TryLearnPortNames()) return WalkToName(name, vector_index);
     int found = -1;
-    if (const Bearers* const bearers = Find(name); bearers != nullptr && !bearers->upper.empty()) {
+    if (const Bearers* const bearers = FindBearers(name);
+        bearers != nullptr && !bearers->upper.empty()) {
         const auto index = static_cast<std::size_t>(vector_index.value_or(0));
         if (!vector_index) {
             found = bearers->upper.front();
@@ -117,8 +119,10 @@ LPinNode* PortIndex::WalkToName(std::string_view name, std::optional<int> vector
     for (LObject* const object : ListAccess::Objects(list_)) {
         auto* const node = static_cast<LPinNode*>(object);
         if (node == nullptr) continue;
-        if (!node->port_name_ && vector_index) return nullptr;
-        if (!node->port_name_) continue;
+        if (!node->port_name_) {
+            if (vector_index) return nullptr;
+            continue;
+        }
         strupr(node->port_name_->data());
         if (vector_index && node->vector_index_ != *vector_index) continue;
         if (Equal(PortNameOf(*node), name)) return node;
@@ -128,16 +132,18 @@ LPinNode* PortIndex::WalkToName(std::string_view name, std::optional<int> vector
 
 LPinNode* PortIndex::NthNamed(std::string_view name, int k) {
     if (k < 0 || k >= Count()) return nullptr;
-    if (!KnowsPortNames()) return WalkToNth(name, k);
-    const Bearers* const bearers = Find(name);
+    if (!TryLearnPortNames()) return WalkToNth(name, k);
+    const Bearers* const bearers = FindBearers(name);
     if (bearers == nullptr) return nullptr;
-    // Before `upper_until_` the names are in upper case, from there on as declared.
-    const auto behind = [&](const std::vector<int>& positions) {
+    // Before `upper_until_` the names are in upper case, from there on as declared. So the elements
+    // that have this name now are those of `upper` before that position, then those of `declared`
+    // from it on.
+    const auto from_there = [&](const std::vector<int>& positions) {
         return std::lower_bound(positions.begin(), positions.end(), upper_until_);
     };
-    const auto turned = static_cast<int>(behind(bearers->upper) - bearers->upper.begin());
+    const auto turned = static_cast<int>(from_there(bearers->upper) - bearers->upper.begin());
     if (k < turned) return Node(bearers->upper[static_cast<std::size_t>(k)]);
-    const auto others = behind(bearers->declared);
+    const auto others = from_there(bearers->declared);
     k -= turned;
     return k < bearers->declared.end() - others ? Node(others[k]) : nullptr;
 }

@@ -38,8 +38,9 @@ public:
     // The first element of a pin number from 1 to the number of elements.
     LPinNode* WithPinNumber(int number);
 
-    // What happens to elements of the list. A name that is open may change unseen from then on.
-    void Added();
+    // The index is told what happens to the elements. A name is open once a host has a pointer that
+    // it may write through: from then on the name may change unseen.
+    void ElementsAdded();
     void PortNameOpened() { port_names_open_ = true; }
     void PinNameOpened() { pin_names_open_ = true; }
     void PinNameSet() { pin_names_known_ = false; }
@@ -52,17 +53,17 @@ public:
 private:
     // Positions in the pin list of the elements that have to do with one name, in order.
     struct Bearers {
-        std::vector<int> declared;          // declared with exactly this name
-        std::vector<int> upper;             // whose name in upper case is this
-        std::vector<int> first_with_index;  // of those, by vector index: the first; or -1
+        std::vector<int> declared;          // of those declared with exactly this name
+        std::vector<int> upper;             // of those whose name in upper case is this
+        std::vector<int> first_with_index;  // the first in `upper` of each vector index, or -1
     };
 
     int Count() const;
     LPinNode* Node(int position) const;
-    bool KnowsPortNames() noexcept;
+    bool TryLearnPortNames() noexcept;  // false when a lookup has to walk
     void LearnPortNames();
-    const Bearers* Find(std::string_view name) const;
-    Bearers& Add(std::string_view name);
+    const Bearers* FindBearers(std::string_view name) const;
+    Bearers& AddBearers(std::string_view name);
     void LearnPinNames();
     void LearnPinNumbers();
 
@@ -71,7 +72,7 @@ private:
     LPinNode* WalkToPinName(std::string_view name) const;
     LPinNode* WalkToPinNumber(int number) const;
 
-    // What a host does to the list.
+    // A host does this to the list itself.
     void Appended() override { list_changed_ = true; }
     void Removed(LObject* object) override;
 
@@ -83,7 +84,7 @@ private:
 
     NameTable names_;
     std::vector<Bearers> bearers_;  // by the number of the name
-    int learned_ = 0;               // the names before this position
+    int learned_ = 0;               // the index has the port names before this position
     int upper_until_ = 0;           // before this position all names are in upper case already
 
     bool pin_names_known_ = false;

@@ -23,6 +23,8 @@ bool IsDriving(const LBScanCell& cell) {
 // What a bidirectional cell shows while it receives: it cannot tell a 0 from a floating pin.
 eSignal Received(eSignal value) { return value == SIG_X || value == SIG_1 ? value : SIG_Z; }
 
+// What the cells of a port say of its pin. The first output that is on, or bidirectional cell with
+// a control cell, decides; else the last cell that only receives.
 eSignal ValueInCells(const LObjList& cells) {
     eSignal received = SIG_X;
     for (LObject* const object : ListAccess::Objects(cells)) {
@@ -86,6 +88,7 @@ int BScanPinMap::UpdateBScanBitArray(LPinNode* node) {
     return CopyToBits(PickRoles(node->GetBScanCells()));
 }
 
+// The result is that of the last cell.
 int BScanPinMap::CopyToBits(const CellRoles& roles) {
     int result = bscan::kOk;
     for (const LBScanCell* const cell : {roles.input, roles.output, roles.control, roles.observe}) {

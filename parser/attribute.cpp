@@ -33,7 +33,7 @@ int MainPass::ReadAttribute(std::string& statement) {
     if (parser_.instruction_register_ == nullptr) {
         parser_.instruction_register_ = std::make_unique<CInstrRegisterDesc>();
     }
-    statement.push_back(' ');
+    statement.push_back(' ');  // for an "is" at the end of its line
     int result = reader_.Complete(statement, Terminator::Text(" is "));
     if (result != kOk) return result;
     const auto* const rule =
@@ -42,10 +42,12 @@ int MainPass::ReadAttribute(std::string& statement) {
     if (rule == std::end(kAttributeRules)) {
         return reader_.Complete(statement, Terminator::Text(";"));
     }
+    // It is there, empty, even when the attribute turns out to have another name.
     if (rule->reader == &MainPass::ReadRegisterAccess && parser_.register_access_ == nullptr) {
         parser_.register_access_ = std::make_unique<CRegisterAccessDesc>();
     }
-    if (CutWord(CutWord(statement).after).before != rule->keyword) return kOk;
+    const std::string_view name = CutWord(CutWord(statement).after).before;
+    if (name != rule->keyword) return kOk;
     result = (this->*rule->reader)(statement);
     return rule->result_counts ? result : static_cast<int>(kOk);
 }

@@ -1,4 +1,4 @@
-// The boundary register: its value is read whole, cut into entries, and then registered.
+// The boundary register: its value is read whole and cut into entries, each of which fills a cell.
 
 #include <bscan/result.h>
 
@@ -15,10 +15,10 @@ namespace bscan::detail {
 int MainPass::ReadBoundaryRegister(std::string& statement) {
     value_.clear();
     const int result = reader_.ReadStringValue(ValueStart(statement), Comments::kKeep, value_);
-    return result == kOk ? RegisterCells(value_) : result;
+    return result == kOk ? AddCells(value_) : result;
 }
 
-int MainPass::RegisterCells(std::string_view value) {
+int MainPass::AddCells(std::string_view value) {
     std::vector<RegisterEntry> entries;
     if (const BScanPinMap* const device = parser_.pin_map_.get(); device != nullptr) {
         // Mostly there is one for each cell; none is shorter than "()".
@@ -30,7 +30,7 @@ int MainPass::RegisterCells(std::string_view value) {
     int result = kOk;
     for (auto entry = entries.begin(); result == kOk && entry != entries.end(); ++entry) {
         CellFields fields;
-        result = CutRegisterEntry(*entry, fields) ? RegisterCell(fields, entry->remark)
+        result = CutRegisterEntry(*entry, fields) ? AddCell(fields, entry->remark)
                                                   : static_cast<int>(kBadValue);
     }
     // The pairs are completed from the cells that there are, even after a failure.
@@ -38,15 +38,15 @@ int MainPass::RegisterCells(std::string_view value) {
     return result == kOk ? completed : result;
 }
 
-int MainPass::RegisterCell(CellFields& fields, std::string_view remark) {
+int MainPass::AddCell(CellFields& fields, std::string_view remark) {
     if (!IsUpperCase(fields.port)) {
         port_.assign(fields.port);
         UpperCase(port_);
         fields.port = port_;
     }
-    remark_.clear();
-    AppendRemark(remark, remark_);
-    fields.original_name = remark_;
+    original_name_.clear();
+    AppendRemark(remark, original_name_);
+    fields.original_name = original_name_;
     fields.value = parser_.FirstValue(fields.number, fields.safe);
     return DeviceBuilder(*parser_.pin_map_).AddCell(fields);
 }

@@ -36,16 +36,17 @@ int MainPass::ReadGeneric(std::string& statement) {
 
 int MainPass::ReadPort(std::string& statement) {
     std::string first(TrimLeft(CutAt(statement, '(').after));
-    PortClauseEnd end;
     int result = kOk;
     if (!first.empty()) {
         result = reader_.Complete(first, Terminator::Text(";"));
         if (result != kOk) return result;
         result = CreatePort(first);
     }
+    PortClauseEnd end;
     end.BeginWith(first);
     while (result == kOk && !end.IsReached()) {
         std::string_view declaration;
+        // From here on the statement is storage for declarations of several lines.
         result = reader_.NextStatement(Terminator::Text(";"), statement, declaration);
         if (result != kOk || PortClauseEnd::IsEndLine(declaration)) return result;
         end.GoOnWith(declaration);
@@ -61,6 +62,7 @@ int MainPass::CreatePort(std::string_view text) {
     if (EqualIgnoringCase(declaration.mode, "inout")) device.AddIoNames(declaration.names);
     const std::int64_t left = declaration.left;
     const std::int64_t right = declaration.right;
+    // A vector with a negative bound has no elements.
     if (declaration.is_vector && (left < 0 || right < 0)) return kOk;
     const std::int64_t count = declaration.is_vector ? std::abs(right - left) + 1 : 1;
     std::string_view names = declaration.names;

@@ -7,6 +7,7 @@ namespace {
 
 constexpr std::string_view kWordEnds = " \n\t:";
 
+// Nothing when the text ends with the word.
 std::string_view UpToWordEnd(std::string_view text) {
     return CutAt(text, text.find_first_of(kWordEnds)).before;
 }

@@ -19,7 +19,7 @@ namespace bscan::detail {
 int MainPass::CompletePairs() {
     const bool again = std::exchange(has_register_, true);
     for (CDifferentialPair& pair : parser_.differential_pairs_) {
-        // Looking for names takes time for their length.
+        // The lookups take time for the length of the names.
         const std::size_t work =
             std::strlen(pair.GetPositiveElement()) + std::strlen(pair.GetNegativeElement());
         if (again && !MayRepeat(static_cast<std::int64_t>(work))) return kRepeatedTooOften;
@@ -32,7 +32,8 @@ int MainPass::CompletePairs() {
     return kOk;
 }
 
-// False when the negative leg has no cell, which leaves no pair trustworthy.
+// False when the negative leg has no cell, which leaves no pair trustworthy; true otherwise, also
+// for a pair that is left as it is.
 bool MainPass::CompletePair(CDifferentialPair& pair) {
     BScanPinMap& device = *parser_.pin_map_;
     const LBScanCell* const positive = device.GetBScanCell(pair.GetPositiveElement());
@@ -41,14 +42,14 @@ bool MainPass::CompletePair(CDifferentialPair& pair) {
     if (negative == nullptr) return false;
 
     DeviceBuilder builder(device);
-    if (!builder.CanFollow(*negative, *positive)) return true;
+    if (!builder.CanCopyCell(*negative, *positive)) return true;
     std::string name = pair.GetNegativeElement();
     LPinNode* const port = device.GetPortwName(name.data());  // turns the name into upper case
     if (port == nullptr) return true;
 
     pair.SetPositiveBScanPosition(positive->GetBoundaryCellPosition());
     pair.SetNegativeBScanPosition(negative->GetBoundaryCellPosition());
-    builder.Follow(*negative, *positive, name, pair.GetNegativeElement(), *port);
+    builder.CopyCell(*negative, *positive, name, pair.GetNegativeElement(), *port);
     return true;
 }
 

@@ -15,7 +15,7 @@ constexpr std::string_view kEntity = "entity";
 
 }  // namespace
 
-// What a line that begins with a keyword leads to. There is no test for the end of a word.
+// What a line that begins with a keyword leads to. A longer word may begin with it, too.
 struct MainPass::LineRule {
     enum class Action { kRead, kSkip, kEnd };
 
@@ -47,9 +47,11 @@ int MainPass::ReadEntity(std::string& statement) {
     int result = reader_.Complete(statement, Terminator::Text(";"));
     if (result != kOk) return result;
     const std::string_view text = statement;
+    // A host's text may be shorter than the word "entity".
     const Parts parts = CutWord(TrimLeft(text.substr(std::min(kEntity.size(), text.size()))));
     parser_.component_name_ = std::string(parts.before);
-    // The readers go on in the file of the main pass, whatever this one was given.
+    // The lines come from the stream of this pass, which may be a host's own; what a statement has
+    // beyond its line is read from the file of the main pass all the same.
     MainPass readers(parser_, fptrBSDL);
     if (Contains(text, "generic")) {
         std::string rest(parts.after);

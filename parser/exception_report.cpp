@@ -11,7 +11,8 @@ using namespace bscan::detail;
 
 namespace {
 
-constexpr std::string_view kOwnFormat = "XML Parser Error At Line %d, Column %d.";
+// For an error that the list does not have.
+constexpr std::string_view kUnlistedFormat = "XML Parser Error At Line %d, Column %d.";
 
 // Fills the first two "%d" of a format; every other character stands for itself.
 std::string Format(std::string_view format, const std::array<int, 2>& numbers) {
@@ -35,8 +36,9 @@ int BScanParser::ProcessException(int group, unsigned int number, char* text) {
                 static_cast<unsigned short>(group), static_cast<unsigned short>(number));
             std::string message = "\n";
             if (text != nullptr) message.append(text).push_back('\n');
-            message += Format(element == nullptr ? kOwnFormat : View(element->GetErrorMessage()),
-                              {static_cast<int>(line_number_), column_number_});
+            message +=
+                Format(element == nullptr ? kUnlistedFormat : View(element->GetErrorMessage()),
+                       {static_cast<int>(line_number_), column_number_});
             error_handler_->SetErrorOccured(message.data());
             return element == nullptr ? static_cast<int>(bscan::kFailed) : element->GetResult();
         },

@@ -27,6 +27,7 @@ public:
 
     // From the first line of the file to the end of the entity.
     int ReadFile();
+
     int ReadEntity(std::string& statement);
     int ReadAttribute(std::string& statement);
     int ReadConstant(std::string& statement);
@@ -44,32 +45,32 @@ public:
 
     // The package that numbers the pins; null without one.
     const PackagePinMap* SelectedPackage() const;
-    // The number of a pin in a package; a negative code when the package lacks it. It is looked for
-    // first where the package's pin map has the pin that came after so many others.
+    // The number of a pin in a package; a negative code when the package lacks it. `pins_before` is
+    // a hint: how many pins the pin map string names before this one.
     static int PinNumber(const PackagePinMap* package, std::string_view designator,
-                         std::size_t coming = 0);
+                         std::size_t pins_before = 0);
 
 private:
     using Reader = int (MainPass::*)(std::string&);
     struct LineRule;
     struct AttributeRule;
-    struct NameList;
+    struct NameListKind;
     static const LineRule kLineRules[];
     static const AttributeRule kAttributeRules[];
 
-    int ReadEntityLines(std::string& statement);
     bool EnsurePinMap();
     int ReadLastWord(std::string& statement, std::string_view& word);
-    int ReadNameList(std::string& statement, const NameList& list);
+    int ReadNameList(std::string& statement, const NameListKind& kind);
     bool AddInstruction(NameListEntry& entry);
     bool AddRegister(NameListEntry& entry);
     int AddPairs(std::string_view group);
     void AddPair(std::string_view positive, std::string_view negative);
-    int RegisterCells(std::string_view value);
-    int RegisterCell(CellFields& fields, std::string_view remark);
+    int AddCells(std::string_view value);
+    int AddCell(CellFields& fields, std::string_view remark);
     int CompletePairs();
     bool CompletePair(CDifferentialPair& pair);
     void DropPairs();
+    // Counts work for a statement that comes again; false when there was too much of it.
     bool MayRepeat(std::int64_t work) {
         repeated_work_ += work;
         return repeated_work_ <= kMaxRepeatedWork;
@@ -79,7 +80,7 @@ private:
     StatementReader reader_;
     std::string value_;               // the string value being read
     std::string port_;                // the port of a cell, in upper case
-    std::string remark_;              // what stands behind a cell's entry
+    std::string original_name_;       // of a cell, from the remark behind its entry
     bool has_length_ = false;         // a boundary length was read in this pass
     bool has_register_ = false;       // a boundary register was read in this pass
     std::int64_t repeated_work_ = 0;  // see kMaxRepeatedWork

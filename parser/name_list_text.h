@@ -20,7 +20,7 @@ public:
     NameListCutter(std::string_view statement, int syntax_code);
 
     bool IsAtEnd() const { return rest_.find(')') == std::string_view::npos; }
-    // Reads the entry that begins here: 0 or a negative code.
+    // Takes the next entry, unless the end is reached: 0 or a negative code.
     int Next(NameListEntry& entry);
 
 private:

@@ -9,20 +9,21 @@
 
 namespace bscan::detail {
 
-struct MainPass::NameList {
-    int syntax_code;
+// What sets one such attribute apart from the other.
+struct MainPass::NameListKind {
+    int syntax_code;  // the result for a malformed entry, or when there is nothing to add to
     bool (MainPass::*add)(NameListEntry&);  // false when there is no description to add to
 };
 
-int MainPass::ReadNameList(std::string& statement, const NameList& list) {
+int MainPass::ReadNameList(std::string& statement, const NameListKind& kind) {
     int result = reader_.Complete(statement, Terminator::Text(";"));
     if (result != kOk) return result;
-    NameListCutter cutter(statement, list.syntax_code);
+    NameListCutter cutter(statement, kind.syntax_code);
     NameListEntry entry;
     while (!cutter.IsAtEnd()) {
         result = cutter.Next(entry);
         if (result != kOk) return result;
-        if (!(this->*list.add)(entry)) return list.syntax_code;
+        if (!(this->*kind.add)(entry)) return kind.syntax_code;
     }
     return kOk;
 }

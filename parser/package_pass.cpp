@@ -15,7 +15,7 @@
 namespace bscan::detail {
 namespace {
 
-// The line that ends the search without a pin map.
+// What the search gives when the file ends without a pin map; no code of the library.
 constexpr int kNoPinMapInFile = 1;
 
 }  // namespace
@@ -26,6 +26,7 @@ int PackagePass::Read() {
     int result = FindPinMap(first_line, statement);
     if (result != kOk) return result == kNoPinMapInFile ? static_cast<int>(kOk) : result;
     std::string value;
+    // What the value holds on a further line of the statement is not taken: only the first counts.
     result = reader_.ReadStringValue(ValueStart(first_line), Comments::kDrop, value);
     if (result != kOk) return result;
     std::vector<PIN_NAME> pins;
@@ -55,17 +56,17 @@ int PackagePass::FindPinMap(std::string& first_line, std::string& statement) {
     }
 }
 
-// False when there is no pin, or the first one has no letter: then designators are numbers already.
+// Fills an empty list. False when there is no pin, or the first one has no letter: then designators
+// are numbers already.
 bool PackagePass::CollectPins(std::string_view value, std::vector<PIN_NAME>& pins) {
-    bool any = false;
     PinMapCutter cutter(value);
     for (PinMapEntry entry; cutter.Next(entry);) {
-        for (std::string_view pin; TakePin(entry.pins, pin); any = true) {
-            if (!any && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
+        for (std::string_view pin; TakePin(entry.pins, pin);) {
+            if (pins.empty() && std::none_of(pin.begin(), pin.end(), IsLetter)) return false;
             pins.push_back(SplitDesignator(pin));
         }
     }
-    return any;
+    return !pins.empty();
 }
 
 void PackagePass::Publish(std::string package, const std::vector<PIN_NAME>& pins) {

@@ -16,6 +16,7 @@ using namespace bscan::detail;
 namespace {
 
 constexpr char kErrorList[] = "ErrorList.txt";
+constexpr int kReserved = 3;  // the error handler takes it and does not use it
 
 const char* TextOrNull(const std::optional<std::string>& text) {
     return text ? text->c_str() : nullptr;
@@ -69,12 +70,10 @@ int BScanParser::Initialize(const char* bsdlFile, const char* defaultDir) {
         result = Reset();
         if (result < 0 || error_handler_ == nullptr) return result;
         error_handler_->SetDefaultDir(defaultDir);
-        // It changes nothing when memory is exhausted.
-        if (error_handler_->directory_ != View(defaultDir)) {
-            return bscan::kOutOfMemory;
-        }
+        // Setting the directory changes nothing when memory is exhausted.
+        if (error_handler_->directory_ != View(defaultDir)) return bscan::kOutOfMemory;
         std::string name = kErrorList;
-        return error_handler_->Initialize(name.data(), 3);
+        return error_handler_->Initialize(name.data(), kReserved);
     });
 }
 

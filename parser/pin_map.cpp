@@ -32,17 +32,18 @@ int MainPass::ReadPinMap(std::string& statement) {
     if (result != kOk || parser_.pin_map_ == nullptr) return result;
     DeviceBuilder device(*parser_.pin_map_);
     const PackagePinMap* const package = SelectedPackage();
-    std::size_t coming = 0;  // how many pins came before, of all ports
+    std::size_t pins_before = 0;  // of all ports
     PinMapCutter cutter(value_);
     for (PinMapEntry entry; cutter.Next(entry);) {
         int k = 0;
-        bool any_left = true;  // of the elements of the port
-        for (std::string_view pin; TakePin(entry.pins, pin); ++k, ++coming) {
+        // Pins behind the last element of the port go nowhere, but are counted.
+        bool any_left = true;
+        for (std::string_view pin; TakePin(entry.pins, pin); ++k, ++pins_before) {
             LPinNode* const node = any_left ? device.Element(entry.port, k) : nullptr;
             any_left = node != nullptr;
             if (!any_left) continue;
             DeviceBuilder::SetPinName(*node, pin);
-            node->SetPinNumber(PinNumber(package, pin, coming));
+            node->SetPinNumber(PinNumber(package, pin, pins_before));
         }
     }
     return kOk;
@@ -63,12 +64,12 @@ const PackagePinMap* MainPass::SelectedPackage() const {
 
 // Without a package, designators are numbers already.
 int MainPass::PinNumber(const PackagePinMap* package, std::string_view designator,
-                        std::size_t coming) {
+                        std::size_t pins_before) {
     if (package == nullptr) return DecimalValue(designator);
     // Mostly the package pass has met the same pins in the same order. Looking for each of them
     // instead makes a whole reading 17 % longer.
-    if (coming < package->order_.size()) {
-        const std::size_t place = package->order_[coming];
+    if (pins_before < package->order_.size()) {
+        const std::size_t place = package->order_[pins_before];
         if (package->pins_[place] == designator) return static_cast<int>(place) + 1;
     }
     const std::size_t place = PlaceOfPin(package->pins_, designator);

@@ -39,7 +39,8 @@ bool PinMapCutter::Next(PinMapEntry& entry) {
     const std::size_t comma = comma_.From(at_);
     const std::size_t end = std::min(comma, value_.size());
     if (!is_group) entry.pins = TrimRight(value_.substr(at_, end - at_));
-    // Without a comma, what follows a group is another entry.
+    // What stands between a group and the next comma is dropped; when no comma is left, it is
+    // another entry.
     if (!is_group || comma != kNone) SkipTo(end + 1);
     return true;
 }

@@ -40,12 +40,14 @@ bool TakeThrough(std::size_t end, std::string_view& text, std::string_view& item
     return true;
 }
 
-// What stands between the first opening and the last closing parenthesis behind it.
+// What stands between the first opening and the last closing parenthesis behind it; false when one
+// of them is missing.
 bool Inside(std::string_view text, std::string_view& inside) {
-    const Parts parts = CutAt(text, '(');
-    const std::size_t closing = parts.after.rfind(')');
-    if (!Contains(text, '(') || closing == std::string_view::npos) return false;
-    inside = Trim(parts.after.substr(0, closing));
+    if (!Contains(text, '(')) return false;
+    const std::string_view behind = CutAt(text, '(').after;
+    const std::size_t closing = behind.rfind(')');
+    if (closing == std::string_view::npos) return false;
+    inside = Trim(behind.substr(0, closing));
     return true;
 }
 
@@ -65,7 +67,7 @@ bool CutPortGroups(std::string_view value, std::vector<std::string_view>& groups
     return !groups.empty();
 }
 
-bool CutPortGroup(std::string_view group, std::string_view& pairs) {
+bool PairsOfGroup(std::string_view group, std::string_view& pairs) {
     const std::string_view kind = Trim(CutAt(group, '(').before);
     const bool known = std::any_of(std::begin(kKinds), std::end(kKinds), [&](std::string_view row) {
         return EqualIgnoringCase(row, kind);
@@ -73,18 +75,18 @@ bool CutPortGroup(std::string_view group, std::string_view& pairs) {
     return known && Inside(group, pairs);
 }
 
-Taken TakePair(std::string_view& pairs, PairNames& names) {
-    if (pairs.empty()) return Taken::kEnd;
+TakenPair TakePair(std::string_view& pairs, PairNames& names) {
+    if (pairs.empty()) return TakenPair::kEnd;
     const Balanced pair = FindBalance(pairs);
-    if (pair.end == std::string_view::npos || pair.opened != 1) return Taken::kEnd;
+    if (pair.end == std::string_view::npos || pair.opened != 1) return TakenPair::kEnd;
     std::string_view text;
     std::string_view inside;
-    if (!TakeThrough(pair.end, pairs, text) || !Inside(text, inside)) return Taken::kError;
+    if (!TakeThrough(pair.end, pairs, text) || !Inside(text, inside)) return TakenPair::kError;
     const std::size_t comma = inside.find(',');
-    if (comma == std::string_view::npos) return Taken::kError;
+    if (comma == std::string_view::npos) return TakenPair::kError;
     names.positive = Trim(inside.substr(0, comma));
     names.negative = Trim(inside.substr(comma + 1));
-    return names.positive.empty() || names.negative.empty() ? Taken::kError : Taken::kItem;
+    return names.positive.empty() || names.negative.empty() ? TakenPair::kError : TakenPair::kPair;
 }
 
 }  // namespace bscan::detail

@@ -33,16 +33,17 @@ int MainPass::ReadPortGrouping(std::string& statement) {
 
 int MainPass::AddPairs(std::string_view group) {
     std::string_view pairs;
-    if (!CutPortGroup(group, pairs)) return kFailed;
+    if (!PairsOfGroup(group, pairs)) return kFailed;
     for (;;) {
         PairNames names;
         switch (TakePair(pairs, names)) {
-            case Taken::kEnd:
+            case TakenPair::kEnd:
                 return kOk;
-            case Taken::kError:
+            case TakenPair::kError:
                 return kFailed;
-            case Taken::kItem:
+            case TakenPair::kPair:
                 AddPair(names.positive, names.negative);
+                break;
         }
     }
 }

@@ -12,9 +12,10 @@ PortDeclaration CutPortDeclaration(std::string_view text) {
     declaration.mode = mode_and_type.before;
     declaration.is_vector = Contains(mode_and_type.after, "bit_vector");
     if (!declaration.is_vector) return declaration;
-    const Parts left = CutWord(TrimLeft(CutAt(mode_and_type.after, '(').after));
-    const Parts direction = CutWord(left.after);
-    declaration.left = DecimalValue(left.before);
+    const Parts left_bound = CutWord(TrimLeft(CutAt(mode_and_type.after, '(').after));
+    // The bounds alone tell the direction.
+    const Parts direction = CutWord(left_bound.after);
+    declaration.left = DecimalValue(left_bound.before);
     declaration.right = DecimalValue(CutAt(direction.after, ')').before);
     return declaration;
 }
@@ -32,22 +33,22 @@ bool TakePortName(std::string_view& names, std::string_view& name) {
     return true;
 }
 
-void PortClauseEnd::Remember(std::string_view rest) {
+void PortClauseEnd::LookForEndIn(std::string_view rest) {
     reached_ = Contains(rest, ");") || Contains(rest, ") ;");
 }
 
-void PortClauseEnd::BeginWith(std::string_view text) { Remember(CutAt(text, ')').after); }
+void PortClauseEnd::BeginWith(std::string_view text) { LookForEndIn(CutAt(text, ')').after); }
 
 void PortClauseEnd::GoOnWith(std::string_view line) {
-    const auto is_inside = [](std::size_t position) {
+    const auto is_behind_start = [](std::size_t position) {
         return position != std::string_view::npos && position > 0;
     };
-    if (const std::size_t opening = line.find('('); is_inside(opening)) {
+    if (const std::size_t opening = line.find('('); is_behind_start(opening)) {
         const std::string_view range = TrimLeft(line.substr(opening + 1));
         const std::size_t closing = range.find(')');
-        if (is_inside(closing)) Remember(range.substr(closing + 1));
-    } else if (const std::size_t closing = line.find(')'); is_inside(closing)) {
-        Remember(line.substr(closing));
+        if (is_behind_start(closing)) LookForEndIn(range.substr(closing + 1));
+    } else if (const std::size_t closing = line.find(')'); is_behind_start(closing)) {
+        LookForEndIn(line.substr(closing));  // this one may close the clause
     }
 }
 

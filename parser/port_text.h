@@ -7,7 +7,7 @@ namespace bscan::detail {
 
 // One declaration of a port clause, such as "A, B : inout bit_vector (7 downto 4);".
 struct PortDeclaration {
-    std::string_view names;  // as written, between commas
+    std::string_view names;  // as written, with the commas between them
     std::string_view mode;
     bool is_vector = false;
     int left = 0;  // bounds of a vector, in the order written
@@ -20,11 +20,12 @@ PortDeclaration CutPortDeclaration(std::string_view text);
 // empty.
 bool TakePortName(std::string_view& names, std::string_view& name);
 
-// Follows where a port clause ends: at the text behind the closing parenthesis of a declaration,
-// which is remembered until another declaration brings one.
+// Tells when a port clause has ended: as soon as ");" or ") ;" stands behind the range of a
+// declaration, or behind its type where it has no range.
 class PortClauseEnd {
 public:
-    // What follows the clause's opening parenthesis.
+    // What follows the clause's opening parenthesis; the first closing one in it is taken for that
+    // of a range.
     void BeginWith(std::string_view text);
     // The next line of the clause.
     void GoOnWith(std::string_view line);
@@ -34,7 +35,7 @@ public:
     static bool IsEndLine(std::string_view line);
 
 private:
-    void Remember(std::string_view rest);
+    void LookForEndIn(std::string_view rest);
 
     bool reached_ = false;
 };

@@ -40,6 +40,7 @@ std::size_t CutColumns(std::string_view text, Columns& columns) {
     return last;
 }
 
+// A '*' anywhere stands for no port. The walk from the back ends with the first '('.
 void CutPort(std::string_view column, CellFields& fields) {
     std::size_t opening = column.size();
     for (std::size_t at = column.size(); at > 0; --at) {
@@ -51,7 +52,8 @@ void CutPort(std::string_view column, CellFields& fields) {
     fields.port_index = DecimalValue(CutAt(column.substr(opening + 1), ')').before);
 }
 
-enum class Taken { kEntry, kEnd, kError };
+// Whether there was another entry, none was left, or what stands there is none.
+enum class TakenEntry { kEntry, kEnd, kError };
 
 // Takes the remarks at the front off a text, each from the dash that begins it to its '*', and
 // keeps the last. One without '*' is dropped, with all that follows.
@@ -72,9 +74,11 @@ void TakeRemarks(std::string_view& text, std::string_view& remark) {
 }
 
 // Finds the parenthesis that closes the first one of a text; the text's end when there is none. The
-// first character counts as no parenthesis, so that an entry without a number is an error: its
-// closing parenthesis is found with a depth below 0.
+// first character is passed over, since an entry begins with its number: where it is a parenthesis
+// all the same, it does not count as opened. The depth is how many are open behind the place found:
+// 0, or less when more are closed than counted.
 std::size_t FindClosing(std::string_view text, std::ptrdiff_t& depth) {
+    depth = 0;
     std::size_t from = 1;
     for (;;) {
         const std::size_t closing = text.find(')', from);
@@ -88,19 +92,19 @@ std::size_t FindClosing(std::string_view text, std::ptrdiff_t& depth) {
 
 // Takes an entry and the comma behind it off a text that is not empty. An entry without end is
 // dropped.
-Taken TakeEntry(std::string_view& text, RegisterEntry& entry) {
+TakenEntry TakeEntry(std::string_view& text, RegisterEntry& entry) {
     std::ptrdiff_t depth = 0;
     const std::size_t closing = FindClosing(text, depth);
-    if (closing >= text.size()) return Taken::kEnd;
-    if (depth < 0) return Taken::kError;
+    if (closing >= text.size()) return TakenEntry::kEnd;
+    if (depth < 0) return TakenEntry::kError;
     const std::size_t opening = text.find('(');
     entry.number = text.substr(0, opening);
     entry.columns = text.substr(opening + 1, closing - opening - 1);
     text = TrimLeft(text.substr(closing + 1));
-    if (text.empty()) return Taken::kEntry;
-    if (text.front() != ',') return Taken::kError;
+    if (text.empty()) return TakenEntry::kEntry;
+    if (text.front() != ',') return TakenEntry::kError;
     text.remove_prefix(1);
-    return Taken::kEntry;
+    return TakenEntry::kEntry;
 }
 
 }  // namespace
@@ -111,9 +115,9 @@ bool CutRegister(std::string_view value, std::vector<RegisterEntry>& entries) {
     TakeRemarks(value, no_remark);
     while (!value.empty()) {
         RegisterEntry entry;
-        const Taken taken = TakeEntry(value, entry);
-        if (taken == Taken::kError) return false;
-        if (taken == Taken::kEnd) break;
+        const TakenEntry taken = TakeEntry(value, entry);
+        if (taken == TakenEntry::kError) return false;
+        if (taken == TakenEntry::kEnd) break;
         TakeRemarks(value, entry.remark);
         entries.push_back(entry);
     }

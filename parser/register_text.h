@@ -25,7 +25,7 @@ bool CutRegister(std::string_view value, std::vector<RegisterEntry>& entries);
 // its subscript.
 bool CutRegisterEntry(const RegisterEntry& entry, CellFields& fields);
 
-// Appends a remark without its dashes and its white space.
+// Appends a remark without its dashes and its white space: the name that it gives a cell.
 void AppendRemark(std::string_view remark, std::string& text);
 
 }  // namespace bscan::detail

@@ -1,4 +1,5 @@
-// The statement reader as a host calls it: on buffers of 1024 characters.
+// The line and statement readers as a host calls them, on buffers of 1024 characters, and the kinds
+// of characters.
 
 #include <bscan/parser.h>
 

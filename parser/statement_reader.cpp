@@ -14,7 +14,7 @@ bool EndsValue(std::string_view text) {
     return text.ends_with(';') && text.find(';') == text.size() - 1;
 }
 
-// The quoted text at the front; nothing without a closing quote.
+// What stands in front of the closing quote; nothing without one.
 std::string_view UpToQuote(std::string_view text) { return TrimRight(CutAt(text, '"').before); }
 
 }  // namespace
@@ -79,7 +79,8 @@ int StatementReader::ReadPiece(Comments comments, std::string& value, bool& ende
         AppendPiece(rest, comments == Comments::kKeep ? line.comment : "", value);
         return kOk;
     }
-    // Further lines belong to the piece. The ';' may stand on one of its own behind the last piece.
+    // Further lines belong to the piece: the ';' may stand on one of its own. Reading them
+    // overwrites the line, so its comment is copied.
     const std::string comment(comments == Comments::kKeep ? line.comment : "");
     std::string piece(rest);
     result = Complete(piece, kPieceEnd);

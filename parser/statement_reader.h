@@ -14,28 +14,27 @@
 
 namespace bscan::detail {
 
-// What ends a statement.
+// What ends a statement: a text, or any character of a set.
 class Terminator {
 public:
-    // The text holds this character, or text.
+    // A text of one character is sought as a set of one, from the back.
     static Terminator Text(std::string_view text) {
         return Terminator(text, text.size() == 1 ? Kind::kAnyOf : Kind::kText);
     }
-    // The text holds any of these characters.
     static Terminator AnyOf(std::string_view set) { return Terminator(set, Kind::kAnyOf); }
 
     bool IsIn(std::string_view text) const {
-        if (kind_ == Kind::kText) return Contains(text, text_);
-        // Mostly it stands at the end of its line.
-        return std::any_of(text_.begin(), text_.end(),
+        if (kind_ == Kind::kText) return Contains(text, sought_);
+        // From the back, since a terminator mostly stands at the end of its line.
+        return std::any_of(sought_.begin(), sought_.end(),
                            [&](char c) { return text.rfind(c) != std::string_view::npos; });
     }
 
 private:
     enum class Kind { kText, kAnyOf };
-    Terminator(std::string_view text, Kind kind) : text_(text), kind_(kind) {}
+    Terminator(std::string_view sought, Kind kind) : sought_(sought), kind_(kind) {}
 
-    std::string_view text_;
+    std::string_view sought_;  // the text, or the characters of the set
     Kind kind_;
 };
 
@@ -63,8 +62,11 @@ public:
 
     // Appends a string value to `value`: one quoted piece a line, the last line ending in ';'. The
     // start is the text behind the opening quote of the statement; empty when the value begins on
-    // the next line. Each piece is followed by the comment of its line, when comments are kept, and
-    // a blank; a value that ends on the first line is not.
+    // the next line.
+    //
+    // A blank follows each piece, but not a start that ends the value. When comments are kept, the
+    // comment of its line and a '*' that ends it stand between a piece and that blank; the start
+    // never has one.
     int ReadStringValue(std::string_view start, Comments comments, std::string& value);
 
 private:

@@ -42,6 +42,8 @@ std::optional<std::uint16_t> TakeNumber(std::string_view& line) {
     return value;
 }
 
+// A line has a group, a number, a result code and a message; others are passed over, as is what
+// comes again.
 void AddLine(std::string_view line, std::unordered_map<std::uint32_t, ErrorElement>& elements) {
     if (line.empty() || line.front() == '#') return;
     const auto group = TakeNumber(line);

@@ -14,7 +14,8 @@ struct Keyword {
     std::string_view text;
     Value value;
 
-    // Puts the value of the row whose word a text is into `value`; false when it is none of them.
+    // Looks for the row whose word a text is, and copies its value into `value`. False when there
+    // is no such row; `value` stays as it was.
     template <std::size_t kRows>
     static bool Find(const Keyword (&rows)[kRows], std::string_view text, Value& value) {
         for (const Keyword& row : rows) {

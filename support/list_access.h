@@ -7,7 +7,7 @@
 
 namespace bscan::detail {
 
-// Whoever owns a list that it hands out, and has to know when a host changes it.
+// The owner of a list, who is told when a host changes it.
 class ListOwner {
 public:
     virtual void Appended() = 0;
@@ -17,7 +17,7 @@ protected:
     ~ListOwner() = default;
 };
 
-// What is done to a list through here its owner does not hear of.
+// Changes a list without telling its owner.
 class ListAccess {
 public:
     static std::vector<LObject*>& Objects(LObjList& list) { return list.objects_; }

@@ -18,12 +18,15 @@ std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+// Odd numbers whose bits have no pattern.
 constexpr std::uint64_t kFirst = 0x9e3779b97f4a7c15U;
 constexpr std::uint64_t kSecond = 0xd1b54a32d192ed03U;
 
+// Names of up to this length are numbers themselves.
 constexpr std::size_t kShort = sizeof(std::uint64_t);
 
-// Half of the slots are taken at most: most searches end at the first.
+// The slots that so many names need: half are taken at most, so that most searches end at the
+// first.
 std::size_t SlotsFor(std::size_t count) { return count * 2; }
 
 }  // namespace
@@ -73,6 +76,7 @@ int NameTable::Find(std::string_view name) const {
     const Sought sought(name);
     // Files mostly go on with the name that they had last, or with one that came close to it.
     for (const int distance : {0, 1, -1, 2, -2}) {
+        // Below 0 it wraps, and is no number of an entry.
         const std::uint32_t number = last_found_ + static_cast<std::uint32_t>(distance);
         if (number >= entries_.size() || !Is(number, sought)) continue;
         last_found_ = number;

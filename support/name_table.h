@@ -32,7 +32,7 @@ private:
         std::uint64_t word;  // up to eight characters, as a number, or the place in `long_names_`
         std::uint64_t length;
     };
-    // A name that is sought.
+    // A name that is sought or added.
     struct Sought {
         explicit Sought(std::string_view text);
 

@@ -21,15 +21,16 @@ void Place(char* destination, std::string_view text) {
     destination[text.size()] = '\0';
 }
 
-// A copy length as the public operations count it, held to a text's length.
-std::size_t Held(int count, std::string_view text) {
+// A count from a host, not below 0 and not above the length of a text.
+std::size_t Bounded(int count, std::string_view text) {
     return count <= 0 ? 0 : std::min(static_cast<std::size_t>(count), text.size());
 }
 
+// A count that is not above 0 takes the whole source.
 void Copy(char* destination, const char* source, int count) {
     if (destination == nullptr || source == nullptr) return;
     const std::string_view text = source;
-    Place(destination, count <= 0 ? text : text.substr(0, Held(count, text)));
+    Place(destination, count <= 0 ? text : text.substr(0, Bounded(count, text)));
 }
 
 void Append(char* destination, const char* source, int count) {
@@ -62,13 +63,13 @@ int LString::ReverseFindOneOf(const char* text, const char* set) {
 void LString::Left(char* destination, const char* source, int count) {
     if (destination == nullptr || source == nullptr) return;
     const std::string_view text = source;
-    Place(destination, text.substr(0, Held(count, text)));
+    Place(destination, text.substr(0, Bounded(count, text)));
 }
 
 void LString::Right(char* destination, const char* source, int count) {
     if (destination == nullptr || source == nullptr) return;
     const std::string_view text = source;
-    Place(destination, text.substr(text.size() - Held(count, text)));
+    Place(destination, text.substr(text.size() - Bounded(count, text)));
 }
 
 void LString::TrimLeft(char* text) {

@@ -34,8 +34,8 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
 }
 
 std::int32_t DecimalValue(std::string_view text) {
+    // Unlike trimming, this also skips vertical tab and form feed.
     const auto is_space = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-    // The conversion skips vertical tab and form feed too, which trimming keeps.
     while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
     if (text.starts_with('+')) {
         text.remove_prefix(1);

@@ -31,7 +31,8 @@ inline std::string_view TrimRight(std::string_view text) {
 
 inline std::string_view Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
 
-// The position of the first space, tab or line feed.
+// The position of the first space, tab or line feed; npos without one. A carriage return is blank,
+// and trimmed, but ends no word.
 inline std::size_t FindSpace(std::string_view text) {
     const auto* const found = std::find_if(
         text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t' || c == '\n'; });
@@ -44,8 +45,8 @@ struct Parts {
     std::string_view after;
 };
 
-// Cuts at a position that a search gave. Where it found nothing, the part before is empty and the
-// part after is the whole text; the readers rely on that for malformed statements.
+// Cuts at a position that a search gave. Where the search found nothing, the part before is empty
+// and the part after is the whole text; the readers rely on that for malformed statements.
 inline Parts CutAt(std::string_view text, std::size_t position) {
     if (position == std::string_view::npos) return {{}, text};
     return {text.substr(0, position), text.substr(position + 1)};
@@ -61,7 +62,8 @@ inline Parts CutTrimmed(std::string_view text, char character) {
     return {TrimRight(parts.before), TrimLeft(parts.after)};
 }
 
-// Cuts at the first space, tab or line feed, trimmed as CutTrimmed does.
+// Cuts at the first space, tab or line feed and trims as CutTrimmed does. A text of one word alone
+// is the part after, as with CutAt.
 Parts CutWord(std::string_view text);
 
 inline bool Contains(std::string_view text, std::string_view sought) {
