@@ -205,7 +205,7 @@ int Drive(const DriveOptions& options) {
     Capture capture;
     const bool captured = options.capture.IsGiven();
     if (captured) {
-        const std::string problem = ReadCapture(options.capture, capture);
+        const std::string problem = ReadCapture(options.capture, options.file, capture);
         if (!problem.empty()) {
             return Complain(problem, options.capture.file.empty() ? kUsage : kProblem);
         }
