@@ -142,6 +142,7 @@ private:
 
 std::vector<std::string> Labels(const Device& device, const std::vector<int>& positions) {
     std::vector<std::string> labels;
+    labels.reserve(positions.size());
     for (const int position : positions) labels.push_back(device.names().Label(position));
     return labels;
 }
