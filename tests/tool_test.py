@@ -214,6 +214,34 @@ class ToolTest(unittest.TestCase):
         self.assertIn("it has SO24, TINY", missing.stderr)
         self.assertEqual(run("show", two, "--package", "TINY", "--lines").returncode, 2)
 
+    def test_facts_in_words_and_as_fields(self):
+        path = self.write_hub(
+            "facts.bsd", ("VDD     : linkage bit", "VDD     : POWER_POS bit"),
+            ("17 (BC_1, RST_N", "17 (MY_CELL, RST_N"),
+            ('is "(TEST_EN) (1)"', 'is "(TEST_EN, ADDR(3), D(0)) (10X, 1X1)"'),
+            ('"0010" &', '"XXXX000000000011000011111111110" & "1, " & "001X" &'),
+            ("CLAMP     (000100)", "HIGHZ     (000100)"), ("(BYPASS, CLAMP)", "(BYPASS)"))
+        model = json.loads(run("show", path, "--json").stdout)
+        pins = {row["port"]: row for row in model["pins"]}
+        self.assertEqual((pins["VDD(1)"]["mode"], pins["VDD(1)"]["declared_mode"]),
+                         ("linkage", "power_pos"))
+        self.assertEqual((model["cells"][17]["type"], model["cells"][17]["type_name"]),
+                         ("unknown", "MY_CELL"))
+        self.assertEqual([(code["hex"], code["version"], code["part"], code["manufacturer"])
+                          for code in model["idcodes"]],
+                         [("0xX0030FFD", None, 48, 0x7FE), (None, None, 48, 0x7FE)])
+        registers = {row["instruction"]: (row["register"], row["register_told_by"])
+                     for row in model["instructions"]}
+        self.assertEqual((registers["HIGHZ"], registers["BYPASS"], registers["FACTORY"]),
+                         (("BYPASS", "standard"), ("BYPASS", "file"), (None, None)))
+        self.assertEqual((model["tap"]["tck"], model["tap"]["trst"], model["tap"]["max_frequency"]),
+                         ({"port": "TCK", "pin": "B1"}, None, 50e6))
+        text = ("either TEST_EN (pin C1) must be 1, ADDR(3) (pin E5) must be 0; "
+                "or TEST_EN (pin C1) must be 1, D(0) (pin E1) must be 1")
+        self.assertEqual(model["compliance"]["text"], text)
+        self.assertEqual(run("drive", path, "D=Z").stdout.count(text), 1)
+        self.assertIn("power_pos", run("show", path, "--pins").stdout)
+
     def test_pins_as_people_write_them(self):
         # Requests on the bus A(0 to 3), whose cells are 0 to 3, and what these cells hold then.
         rows = [(["A=0x5"], "0101"), (["A=0b1000"], "1000"), (["A(3..0)=0x8"], "0001"),

@@ -190,14 +190,17 @@ Json PackageNames(const bscan::Facts& facts) {
 }
 
 std::string NameList(const std::vector<bscan::Word>& words) {
-    std::vector<std::string_view> names;
-    for (const bscan::Word& word : words) names.push_back(word.text);
-    return fmt::format("{}", fmt::join(names, ", "));
+    std::string names;
+    for (const bscan::Word& word : words) {
+        if (!names.empty()) names += ", ";
+        names += word.text;
+    }
+    return names;
 }
 
 Json WordOrNull(const bscan::Word& word) { return TextOrNull(OneLine(word.text)); }
 
-Json ListOrNull(Json list) { return list.empty() ? Json() : list; }
+Json ListOrNull(const Json& list) { return list.empty() ? Json() : list; }
 
 }  // namespace
 
@@ -221,6 +224,7 @@ std::string CodeText(std::string_view bits) {
 std::string ComplianceText(const Device& device) {
     const std::vector<bscan::Word>& patterns = device.facts().compliance.patterns;
     std::vector<std::string> parts;
+    parts.reserve(patterns.size());
     for (const bscan::Word& pattern : patterns) parts.push_back(PatternText(device, pattern.text));
     std::erase(parts, "");
     return fmt::format("{}{}", parts.size() > 1 ? "either " : "", fmt::join(parts, "; or "));

@@ -142,6 +142,7 @@ private:
 
 std::vector<std::string> Labels(const Device& device, const std::vector<int>& positions) {
     std::vector<std::string> labels;
+    labels.reserve(positions.size());
     for (const int position : positions) labels.push_back(device.names().Label(position));
     return labels;
 }
@@ -205,7 +206,7 @@ int Drive(const DriveOptions& options) {
     Capture capture;
     const bool captured = options.capture.IsGiven();
     if (captured) {
-        const std::string problem = ReadCapture(options.capture, capture);
+        const std::string problem = ReadCapture(options.capture, options.file, capture);
         if (!problem.empty()) {
             return Complain(problem, options.capture.file.empty() ? kUsage : kProblem);
         }

@@ -98,7 +98,7 @@ int Observe(const ObserveOptions& options) {
         return Complain("--capture or --capture-file is required", kUsage);
     }
     Capture capture;
-    const std::string problem = ReadCapture(options.capture, capture);
+    const std::string problem = ReadCapture(options.capture, options.file, capture);
     if (problem.empty()) return ObserveCapture(options, capture);
     return Complain(problem, options.capture.file.empty() ? kUsage : kProblem);
 }

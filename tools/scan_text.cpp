@@ -120,7 +120,10 @@ std::optional<Capture> ParseCapture(std::string_view text) {
     return capture;
 }
 
-std::string ReadCapture(const CaptureOptions& options, Capture& capture) {
+std::string ReadCapture(const CaptureOptions& options, const DeviceFile& device, Capture& capture) {
+    if (options.file == "-" && device.path == "-") {
+        return "standard input cannot be both the device and the capture";
+    }
     const std::optional<std::string> text =
         options.file.empty() ? options.bits : ReadText(options.file);
     if (!text) return fmt::format("cannot read {}", NameOf(options.file));

@@ -38,9 +38,9 @@ struct CaptureOptions {
 /// @return nothing for any other character.
 std::optional<Capture> ParseCapture(std::string_view text);
 
-/// Reads the capture that a user gives.
+/// Reads the capture that a user gives for a device.
 /// @return what is wrong, as a sentence without a full stop; empty when nothing is.
-std::string ReadCapture(const CaptureOptions& options, Capture& capture);
+std::string ReadCapture(const CaptureOptions& options, const DeviceFile& device, Capture& capture);
 
 /// Tells whether a capture is for a register of so many cells.
 bool FitsRegister(const Capture& capture, int length);
