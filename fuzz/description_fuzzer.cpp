@@ -83,6 +83,7 @@ void TouchFacts(const Facts& facts) {
     for (const RegisterAccess& access : facts.registers) {
         for (const RegisterInstruction& instruction : access.instructions) {
             Touch(instruction.captures);
+            Touch(instruction.domain);
         }
     }
     for (const PortPair& pair : facts.pairs) {
@@ -90,6 +91,9 @@ void TouchFacts(const Facts& facts) {
         Touch(pair.negative);
     }
     for (const OtherStatement& other : facts.others) Touch(other.target);
+    for (const AttributeDeclaration& declaration : facts.declarations) Touch(declaration.type);
+    TouchAll(facts.other_generics);
+    TouchAll(facts.packages);
 }
 
 void CheckFindings(const Description& description, int lines) {

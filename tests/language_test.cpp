@@ -346,6 +346,38 @@ TEST(Language, TakesTheFirstOfTwoAndKeepsTheRest) {
 }
 
 // A mark that is missing, or stands twice, is told once, in its line, and no fact is lost.
+TEST(Language, KeepsWhatHasNoPlaceInTheStandard) {
+    const char* const package = "package CELLS is\n  constant C : CELL_INFO;\nend CELLS;";
+    std::string text = std::string("-- before\n") + package + '\n' + std::string(kSound) +
+                       "package body CELLS is\nend;\n-- behind";
+    text = Replaced(text, "generic (", "generic (WIDTH : integer := max(2, 4); ");
+    text = Replaced(text, "STATUS[3] (STATE CAPTURES X01)",
+                    "STATUS[*] (STATE CAPTURES X01 DOMAIN CORE)");
+    text = Replaced(text, "end VALVE;",
+                    "attribute EXTRA : BSDL_EXTENSION; attribute EXTRA of LEVEL(5) : signal is 1;"
+                    "attribute boundary_Segment of VALVE : entity is \"A\"; end VALVE;");
+    const Description description = Parse(text);
+    const Facts& facts = description.GetFacts();
+    ASSERT_EQ(facts.packages.size(), 2);
+    EXPECT_EQ(facts.packages[0].text, package);
+    EXPECT_EQ(facts.packages[0].line, 2);
+    EXPECT_EQ(facts.packages[1].text, "package body CELLS is\nend;");
+    ASSERT_EQ(facts.other_generics.size(), 1);
+    EXPECT_EQ(facts.other_generics[0].text, "WIDTH : integer := max(2, 4)");
+    EXPECT_EQ(facts.tap.clock_stop_word.text, "BOTH");
+    ASSERT_EQ(facts.registers.size(), 2);
+    EXPECT_EQ(facts.registers[1].length_word.text, "*");
+    EXPECT_EQ(facts.registers[1].instructions[0].captures.text, "X01");
+    EXPECT_EQ(facts.registers[1].instructions[0].domain.text, "CORE");
+    ASSERT_EQ(facts.declarations.size(), 1);
+    EXPECT_EQ(facts.declarations[0].name.text, "EXTRA");
+    EXPECT_EQ(facts.declarations[0].type.text, "BSDL_EXTENSION");
+    ASSERT_GE(facts.others.size(), 2);
+    EXPECT_EQ(facts.others[facts.others.size() - 2].target_index, 5);
+    EXPECT_EQ(facts.others[facts.others.size() - 2].standard_name, "");
+    EXPECT_EQ(facts.others.back().standard_name, "BOUNDARY_SEGMENT");
+}
+
 TEST(Language, TellsEachWrongMarkOnce) {
     const Description sound = Parse(kSound);
     const std::string digest = Digest(sound.GetFacts());
