@@ -19,4 +19,5 @@ for name in reading readers pins; do
         --benchmark_out_format=json "$@"
 done
 "$folder/hostile_bench"
+"$folder/board_bench"
 python3 "$here/summary.py" "${results[@]}"

@@ -1,5 +1,6 @@
 """Plays chains of simulated devices with OpenOCD: hardware_test.py TOOL REPOSITORY [TEST...]"""
 
+import json
 import pathlib
 import re
 import shutil
@@ -9,6 +10,7 @@ import sys
 import tempfile
 import time
 import unittest
+import xml.etree.ElementTree as xml
 
 TOOL, ROOT = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
 DEVICES = ROOT / "examples" / "devices"
@@ -16,6 +18,8 @@ CHAIN = [f"U1={DEVICES / 'nibble_bus.bsd'}", "X=ir:5", f"U2={DEVICES / 'link_hub
 # Net by net; TEST_EN holds the compliance pattern of the hub.
 BOARD = ["--net", "N0=U1.A(0),U2.D(0)", "--net", "N1=U1.READY,U2.RST_N",
          "--level", "U2.TEST_EN=1", "--level", "U1.SENSE=1"]
+TEST_BOARD = ROOT / "examples" / "boards" / "link_board.toml"
+TEST_CHAIN = [CHAIN[0], CHAIN[2], CHAIN[0].replace("U1", "U3")]
 STEPS = """
 drive U1.A(0)=1 U1.READY=0
 expect U2.D(0)=1 U2.RST_N=0
@@ -28,7 +32,7 @@ def run(*args, **options):
     return subprocess.run(args, text=True, capture_output=True, timeout=60, **options)
 
 
-class HardwareTest(unittest.TestCase):
+class Simulation(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
@@ -71,6 +75,8 @@ class HardwareTest(unittest.TestCase):
                 return history
             time.sleep(0.05)
 
+
+class HardwareTest(Simulation):
     def test_svf_moves_the_pins_that_were_asked(self):
         self.simulate(*BOARD)
         status, output = self.play_svf(STEPS)
@@ -148,6 +154,85 @@ class HardwareTest(unittest.TestCase):
                 result = run(TOOL, "simulate", *CHAIN, *args)
                 self.assertEqual((result.returncode, result.stdout), (2, ""))
                 self.assertNotEqual(result.stderr, "")
+
+
+class BoardTest(Simulation):
+    """The example board, sound and broken."""
+
+    def board(self, *faults, chain=TEST_CHAIN):
+        """Exit status and report of a test."""
+        nets = []
+        for net in json.loads(run(TOOL, "board", TEST_BOARD, "--json").stdout)["nets"]:
+            pins = [f"{pin['part']}.{pin['pin']}" for pin in net["pins"]]
+            if chain is TEST_CHAIN and net["class"] not in ("tap", "supply", "ground"):
+                nets += ["--net", f"{net['name']}={','.join(pins)}"]
+        if self.adapter.exists():
+            self.adapter.unlink()
+        self.simulate(*nets, *(["--pull", "/INT_N=1"] if nets else []), *faults, "--once", chain=chain)
+        while not self.adapter.exists():
+            time.sleep(0.01)
+        result = run(TOOL, "test", TEST_BOARD, "--adapter", self.adapter, "--json",
+                     "--save-captures", self.folder / "captures")
+        return result.returncode, json.loads(result.stdout)
+
+    def test_sound_board(self):
+        status, report = self.board()
+        self.assertEqual((status, report["sound"], report["faults"]), (0, True, []))
+        self.assertEqual(report["chain"], {"ok": True, "message": None})
+        # The held net keeps its level from the first vector to the last.
+        self.assertEqual(self.driven("U3.READY")["U3.READY"], ["1", "nothing"])
+        self.assertNotIn("contention", self.log.read_text())
+
+    def test_faults_are_named(self):
+        pins = ["U1.3", "U2.E1", "U3.3"]
+        cases = [
+            (["--open", "U2.E1"], "open", ["/D0"], ["U2.E1"], None, None),
+            (["--open", "U1.12"], "open", ["/D4"], ["U1.12", "U2.G1"], None, None),
+            (["--stuck", "/D0=1"], "stuck", ["/D0"], pins, 1, None),
+            (["--short", "/D0,/ADDR1:and"], "short", ["/D0", "/ADDR1"], [], None, "and"),
+            (["--short", "/D0,/BUSY1:or"], "short", ["/D0", "/BUSY1"], [], None, "or"),
+            (["--short", "/D7,/D0:first"], "short", ["/D0", "/D7"], [], None, "/D7"),
+        ]
+        for faults, kind, nets, pins, level, winner in cases:
+            with self.subTest(faults=faults):
+                status, report = self.board(*faults)
+                self.assertEqual((status, report["sound"], len(report["faults"])), (1, False, 1))
+                self.assertEqual(report["faults"][0], {"kind": kind, "nets": nets, "pins": pins,
+                                                       "level": level, "as": winner,
+                                                       "one_of": None})
+                again = run(TOOL, "test", TEST_BOARD, "--captures", self.folder / "captures",
+                            "--json")
+                self.assertEqual((again.returncode, json.loads(again.stdout)), (1, report))
+
+    def test_what_looks_the_same_is_given_together(self):
+        status, report = self.board("--stuck", "/BUSY1=0")
+        self.assertEqual(status, 1)
+        self.assertEqual({(fault["kind"], fault["level"]) for fault in report["faults"][0]["one_of"]},
+                         {("open", None), ("stuck", 0)})
+
+    def test_a_broken_chain_is_told_before_anything_is_driven(self):
+        bus, hub, last = TEST_CHAIN
+        cases = [([bus, hub], "missing"), ([bus, last.replace("U3", "U2"), hub.replace("U2", "U3")],
+                                           "IDCODE"), ([*TEST_CHAIN, bus.replace("U1", "U4")], "longer")]
+        for chain, message in cases:
+            with self.subTest(message):
+                status, report = self.board(chain=chain)
+                self.assertEqual((status, report["sound"], report["faults"]), (2, False, []))
+                self.assertFalse(report["chain"]["ok"])
+                self.assertIn(message, report["chain"]["message"])
+                self.assertNotIn("drives", self.log.read_text())
+
+    def test_junit_and_svf(self):
+        self.board("--open", "U2.E1")
+        result = run(TOOL, "test", TEST_BOARD, "--captures", self.folder / "captures", "--format",
+                     "junit")
+        suite = xml.fromstring(result.stdout)
+        self.assertEqual((suite.get("tests"), suite.get("failures"), suite.get("skipped")),
+                         ("33", "1", "15"))
+        self.assertIn("U2.E1 (D(0))", suite.find(".//failure").get("message"))
+        svf = run(TOOL, "test", TEST_BOARD, "--svf", "-")
+        self.assertEqual(svf.returncode, 0)
+        self.assertIn("// Group 3 of 3, vector 10 of 10", svf.stdout)
 
 
 if __name__ == "__main__":

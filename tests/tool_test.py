@@ -23,6 +23,7 @@ GOLDEN, DEVICES = ROOT / "tests" / "golden", ROOT / "examples" / "devices"
 HUB, BUS = "link_hub.bsd", "nibble_bus.bsd"
 
 CHAIN = ROOT / "examples" / "chains" / "bus_and_hub.toml"
+BOARD = ROOT / "examples" / "boards" / "link_board.toml"
 STEPS = CHAIN.with_suffix(".steps")
 
 SVG = "{http://www.w3.org/2000/svg}"
@@ -46,6 +47,7 @@ GOLDEN_RUNS = [
     ("chain.svf", 0, ["svf", "--chain", CHAIN, "--steps", STEPS]),
     ("long.svf", 0, ["svf", BUS, "X=ir:300", "--no-idcode", "--frequency", "123.9", "--do",
                      "drive READY=1", "--from-sample", "U1=" + "01" * 11]),
+    ("board.csv", 0, ["board", BOARD, "--format", "csv"]),
     ("chain.cfg", 0, ["openocd", "--chain", CHAIN]),
     ("format_untidy.bsd", 0, ["format", ROOT / "tests" / "devices" / "untidy.bsd"]),
 ]
@@ -619,7 +621,8 @@ class ToolTest(unittest.TestCase):
                 ["drive", HUB, "D=1", "X=1"], ["observe", BUS, "--capture", "x" * 22],
                 ["check", HUB], ["check", "none.bsd"], ["check", "--lines", path],
                 ["identify", "0x20030FFD", "FFFFFFFF"], ["diff", HUB, BUS],
-                ["show", BUS, "--pins", "--all"]]
+                ["show", BUS, "--pins", "--all"], ["board", BOARD],
+                ["board", BOARD, "--devices"], ["netlist", BOARD.with_suffix(".net")]]
         for args in runs:
             with self.subTest(args=args):
                 jsonschema.validate(json.loads(run(*args, "--json").stdout), schema)
