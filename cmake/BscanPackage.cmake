@@ -17,6 +17,9 @@ set(CPACK_COMPONENTS_ALL library development)
 if(BSCAN_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
+if(BSCAN_PYTHON)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
@@ -65,5 +68,23 @@ ${about_the_library}
 This package holds the bscan command, which shows, checks, compares and
 draws devices and makes their vectors, and some example devices."
 )
+
+# The module is for the minor version of Python that it was built with.
+if(BSCAN_PYTHON)
+    math(EXPR next_python "${bscan_python_minor} + 1")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-bscan)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+        "${same_version}, python3 (>= 3.${bscan_python_minor}~), python3 (<< 3.${next_python})"
+    )
+    set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+        "boundary-scan device description reader - Python package
+${about_the_library}
+.
+This package holds the Python package bscan: what a device description
+says, its vectors, and scan chains on hardware through OpenOCD."
+    )
+endif()
 
 include(CPack)

@@ -1,5 +1,6 @@
 #include "chain.h"
 
+#include <map>
 #include <utility>
 
 namespace bscan::python {
@@ -52,8 +53,29 @@ std::unique_ptr<ScanChain> ScanChain::Fresh() const {
     return chain;
 }
 
-PinRequests& ScanChain::Requests(int device) {
-    return *members_.at(static_cast<std::size_t>(device)).requests;
+void ScanChain::Preset() {
+    for (const Member& member : members_) {
+        if (member.requests != nullptr) member.requests->Preset({});
+    }
+}
+
+// What one device refuses is undone on those before it.
+void ScanChain::Drive(const std::vector<PinLevel>& levels) {
+    std::map<int, std::vector<PinRequest>> by_device;
+    for (const PinLevel& level : levels) {
+        by_device[level.pin.device].emplace_back(level.pin.element, level.level);
+    }
+    std::vector<PinRequests*> changed;
+    try {
+        for (const auto& [device, requests] : by_device) {
+            PinRequests& pins = *members_.at(static_cast<std::size_t>(device)).requests;
+            pins.Drive(requests);
+            changed.push_back(&pins);
+        }
+    } catch (const Problem&) {
+        for (PinRequests* pins : changed) pins->Undo();
+        throw;
+    }
 }
 
 }  // namespace bscan::python

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bscan/chain.h>
+#include <bscan/scan_program.h>
 
 #include "device.h"
 #include "pin_requests.h"
@@ -29,7 +30,10 @@ public:
     std::unique_ptr<ScanChain> Fresh() const;
 
     Chain& Get() { return chain_; }
-    PinRequests& Requests(int device);
+    /// Does all of the requests or, when one cannot be done, none of them, and throws Problem.
+    void Drive(const std::vector<PinLevel>& levels);
+    /// Turns off all drivers and forgets all requests.
+    void Preset();
 
     /// Held while the chain is looked at or changed: an operation on hardware does so without
     /// Python's lock.

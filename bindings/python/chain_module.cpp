@@ -9,7 +9,6 @@
 #include "module.h"
 #include "values.h"
 
-#include <map>
 #include <pybind11/stl.h>
 
 namespace bscan::python {
@@ -64,23 +63,14 @@ std::vector<PinPair> SignalPins(ScanChain& chain) {
     return pairs;
 }
 
-// Levels by device. What one device refuses is undone on those before it.
 void Drive(ScanChain& chain, const std::vector<std::tuple<int, int, int>>& requests) {
     const Held held(chain);
-    std::map<int, std::vector<PinRequest>> by_device;
+    std::vector<PinLevel> levels;
+    levels.reserve(requests.size());
     for (const auto& [device, element, level] : requests) {
-        by_device[device].emplace_back(element, SignalOf(level));
+        levels.push_back({{device, element}, SignalOf(level)});
     }
-    std::vector<PinRequests*> changed;
-    try {
-        for (const auto& [device, levels] : by_device) {
-            chain.Requests(device).Drive(levels);
-            changed.push_back(&chain.Requests(device));
-        }
-    } catch (const Problem&) {
-        for (PinRequests* pins : changed) pins->Undo();
-        throw;
-    }
+    chain.Drive(levels);
 }
 
 void Select(ScanChain& chain, const std::vector<std::pair<int, std::string>>& choices) {

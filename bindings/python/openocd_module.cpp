@@ -31,13 +31,15 @@ public:
         Detach();
         chain_ = chain;
         const std::lock_guard chain_lock(chain_->Mutex());
+        chain_->Preset();
         live_ = std::make_unique<LiveChain>(link_, chain_->Get());
         const ChainResult result = live_->Attach();
         if (!result.Ok()) live_.reset();
         Check(result);
     }
 
-    /// Does something with the chain on the board.
+    /// Does something with the chain on the board. A failure of the hardware gives the pins back,
+    /// so what was asked of them is over.
     template <typename Operation>
     void With(Operation operation) {
         const std::lock_guard lock(mutex_);
@@ -47,7 +49,9 @@ public:
                           "No chain is attached.");
         }
         const std::lock_guard chain_lock(chain_->Mutex());
-        Check(operation(*live_, chain_->Get()));
+        const ChainResult result = operation(*live_, *chain_);
+        if (!result.Ok()) chain_->Preset();
+        Check(result);
     }
 
     std::string Run(const std::string& command) {
@@ -97,10 +101,10 @@ py::list Read(Link& link, const std::vector<std::pair<int, int>>& pairs) {
     for (const auto& [device, element] : pairs) pins.push_back({device, element});
     std::vector<PinState> states;
     py::list rows;
-    const auto read = [&](LiveChain& live, Chain& chain) {
+    const auto read = [&](LiveChain& live, ScanChain& chain) {
         const ChainResult result = live.Read(pins, states);
         const py::gil_scoped_acquire acquire;
-        for (const PinState& state : states) rows.append(StateRow(chain, state));
+        for (const PinState& state : states) rows.append(StateRow(chain.Get(), state));
         return result;
     };
     const py::gil_scoped_release release;
@@ -114,11 +118,17 @@ void Drive(Link& link, const std::vector<std::tuple<int, int, int>>& requests) {
     for (const auto& [device, element, level] : requests) {
         levels.push_back({{device, element}, SignalOf(level)});
     }
-    link.With([&](LiveChain& live, Chain&) { return live.Drive(levels); });
+    link.With([&](LiveChain& live, ScanChain& chain) {
+        chain.Drive(levels);  // all or none, before anything is shifted
+        return live.Drive(levels);
+    });
 }
 
 void Release(Link& link) {
-    link.With([](LiveChain& live, Chain&) { return live.Release(); });
+    link.With([](LiveChain& live, ScanChain& chain) {
+        chain.Preset();
+        return live.Release();
+    });
 }
 
 struct Failed {
@@ -131,7 +141,9 @@ struct Failed {
 // Plays steps and tells which levels were otherwise; a device's IDCODE stands for a pin.
 std::vector<Failed> Play(Link& link, const std::string& text, bool check_idcodes) {
     std::vector<Failed> failures;
-    link.With([&](LiveChain& live, Chain& chain) -> ChainResult {
+    link.With([&](LiveChain& live, ScanChain& scan_chain) -> ChainResult {
+        Chain& chain = scan_chain.Get();
+        scan_chain.Preset();
         const Steps steps = ParseSteps(chain, text);
         if (!steps.result.Ok()) return steps.result;
         ProgramOptions options;

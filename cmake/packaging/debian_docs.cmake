@@ -1,6 +1,11 @@
 # Gives each staged package the documents that Debian asks for, and compresses its manual pages.
 # CPack runs it between staging the components and packing them.
-set(packages library:libbscan0 development:libbscan-dev tools:bscan-tools)
+set(packages
+    library:libbscan0
+    development:libbscan-dev
+    tools:bscan-tools
+    python:python3-bscan
+)
 
 foreach(pair IN LISTS packages)
     string(REPLACE ":" ";" pair ${pair})

@@ -41,12 +41,14 @@ class Device:
     @property
     def component(self) -> str | None:
         """The name of the entity."""
-        return self._facts["component"]
+        text: str | None = self._facts["component"]
+        return text
 
     @property
     def package(self) -> str | None:
         """The package that the pins are those of, in lower case."""
-        return self._facts["package"]
+        text: str | None = self._facts["package"]
+        return text
 
     @property
     def packages(self) -> list[str]:
@@ -56,22 +58,26 @@ class Device:
     @property
     def conformance(self) -> str | None:
         """The edition of the standard that the file names, such as ``STD_1149_1_2001``."""
-        return self._facts["conformance"]
+        text: str | None = self._facts["conformance"]
+        return text
 
     @property
     def design_warning(self) -> str | None:
         """What the maker warns of, on one line."""
-        return self._facts["design_warning"]
+        text: str | None = self._facts["design_warning"]
+        return text
 
     @property
     def instruction_length(self) -> int | None:
         """Bits of the instruction register."""
-        return self._facts["instruction_length"]
+        number: int | None = self._facts["instruction_length"]
+        return number
 
     @property
     def instruction_capture(self) -> str | None:
         """What the instruction register captures, leftmost bit next to TDI."""
-        return self._facts["instruction_capture"]
+        text: str | None = self._facts["instruction_capture"]
+        return text
 
     @property
     def private_instructions(self) -> list[str]:
@@ -122,7 +128,10 @@ class Device:
 
     @cached_property
     def _elements(self) -> list[Pin]:
-        return [Pin(**{**row, "cells": tuple(row["cells"])}) for row in self._native.pins()]
+        rows = self._native.pins()
+        for row in rows:
+            row["cells"] = tuple(row["cells"])
+        return [Pin(**row) for row in rows]
 
     @cached_property
     def _by_label(self) -> Lookup[Pin]:
@@ -157,11 +166,11 @@ class Device:
     @cached_property
     def cells(self) -> Sequence[Cell]:
         """The boundary register, from cell 0, the one next to TDO."""
-        return tuple(
-            Cell(**{**row, "safe": level_of(row["safe"]),
-                    "disable": row["disable"] and level_of(row["disable"]),
-                    "result": row["result"] and level_of(row["result"])})
-            for row in self._native.cells())
+        rows = self._native.cells()
+        for row in rows:
+            for field in ("safe", "disable", "result"):
+                row[field] = row[field] and level_of(row[field])
+        return tuple(Cell(**row) for row in rows)
 
     @property
     def boundary_length(self) -> int:

@@ -35,7 +35,7 @@ class OpenOcd:
             print(board.read("U1.BUTTON"))
 
     Behind the block the chain is reset, so that every pin is the device's own again; the same
-    happens when an operation fails and when the object goes. OpenOCD has to know the chain, as the
+    happens when the hardware fails and when the object goes. OpenOCD has to know the chain, as the
     configuration that ``bscan openocd`` writes tells it. Other threads of Python run while one
     waits for the hardware.
     """
@@ -54,7 +54,8 @@ class OpenOcd:
 
     def attach(self, chain: Chain | Device) -> OpenOcd:
         """Takes the chain over from OpenOCD's own TAPs, and compares the IDCODEs; another one that
-        was attached is released. Returns the object itself."""
+        was attached is released. What was asked of the chain's pins before is forgotten. Returns
+        the object itself."""
         chain = Chain([chain]) if isinstance(chain, Device) else chain
         self._chain = None
         self._link.attach(chain._native)
@@ -79,11 +80,12 @@ class OpenOcd:
     def drive(self, levels: Mapping[str, LevelRequest]) -> None:
         """Drives and releases pins, as ``Device.drive``; others keep what they do. The first call
         preloads the boundary registers, in which drivers that nobody asked for are off, and enters
-        EXTEST. When it fails, all pins are given back."""
+        EXTEST. A request that cannot be done raises ``DriveError`` and changes nothing."""
         self._link.drive(self.chain._requests(levels))
 
     def release(self) -> None:
-        """Resets the chain: every pin is the device's own again."""
+        """Resets the chain: every pin is the device's own again, and what was asked of it is
+        forgotten."""
         self._link.release()
 
     def watch(self, *pins: str, every: float = 0.1, count: int | None = None
@@ -107,8 +109,8 @@ class OpenOcd:
             yield seen
 
     def run(self, steps: str, check_idcodes: bool = True) -> list[Failure]:
-        """Plays steps, as ``Chain.svf`` takes them, to their end, and tells which levels were
-        otherwise than they wanted."""
+        """Plays steps, as ``Chain.svf`` takes them, from reset to reset, and tells which levels were
+        otherwise than they wanted. Pins that were driven before are given back."""
         rows = self._link.play(steps.encode(), check_idcodes)
         return [Failure(**row) for row in rows]
 

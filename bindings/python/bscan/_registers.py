@@ -50,12 +50,10 @@ def instructions_with_registers(
 
     def complete(row: dict[str, Any]) -> Instruction:
         name = row["instruction"].upper()
-        captures = None
+        chosen, by, captures = _STANDARD.get(name), "standard", None
         if name in told:
             register, captures = told[name]
             chosen, by = register.name, "file"
-        else:
-            chosen, by = _STANDARD.get(name), "standard"
         return Instruction(row["instruction"], tuple(row["opcodes"]), chosen,
                            lengths.get(chosen.upper()) if chosen else None,
                            by if chosen else None, captures, name in reserved)

@@ -84,9 +84,14 @@ def test_board(board, chain, hub):
             seen.append((look["U2.RST_N"].level, look.changed))
             live.drive({"U1.READY": 1})
         assert seen == [(0, ["U2.RST_N"]), (1, ["U2.RST_N"]), (1, [])]
-        with pytest.raises(bscan.ChainError, match="CLK"):
-            live.drive({"U1.CLK": 1})
-        assert board.driven("U1.READY") == ["0", "1", "nothing"]  # a failure gives the pins back
+        with pytest.raises(bscan.DriveError, match="CLK"):
+            live.drive({"U1.READY": 0, "U1.CLK": 1})
+        live.drive({"U1.A(0)": "Z"})  # what was refused with CLK is not done later
+        live.release()
+        assert board.driven("U1.READY") == ["0", "1", "nothing"]
+        live.drive({"U1.A(1)": 0})
+        assert board.driven("U1.A(1)", last="0") == ["0"]
+        assert board.driven("U1.READY") == ["0", "1", "nothing"]  # a released pin stays free
         assert live.run(STEPS) == []
         failures = live.run("drive U1.READY=1\nexpect U2.RST_N=0")
         assert [(fail.line, fail.port, fail.wanted, fail.seen) for fail in failures] == [
@@ -119,9 +124,8 @@ def test_pins_are_free_when_nobody_looks(board, chain):
     gc.collect()
     assert board.driven("U1.READY") == ["1", "nothing"]
     with pytest.raises(RuntimeError), bscan.OpenOcd("127.0.0.1", board.port) as live:
-        live.attach(bscan.Chain([]) if False else bscan.Chain([
-            ("U1", bscan.read(DEVICES / "nibble_bus.bsd")), ("X", 5),
-            ("U2", bscan.read(DEVICES / "link_hub.bsd"))]))
+        live.attach(bscan.Chain([bscan.read(DEVICES / "nibble_bus.bsd"), 5,
+                                 bscan.read(DEVICES / "link_hub.bsd")]))
         live.drive({"U1.READY": 0})
         raise RuntimeError
     assert board.driven("U1.READY")[-2:] == ["0", "nothing"]

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import time
@@ -48,25 +49,30 @@ class Board:
 
 
 @pytest.fixture
-def board(tmp_path):
+def board(tmp_path, request):
     if shutil.which("openocd") is None:
         pytest.skip("openocd is not there")
     members = [f"U1={DEVICES / 'nibble_bus.bsd'}", "X=ir:5", f"U2={DEVICES / 'link_hub.bsd'}"]
     adapter, config, log = (tmp_path / name for name in ("adapter.cfg", "chain.cfg", "pins.log"))
     subprocess.run([TOOL, "openocd", *members, "-o", config], check=True, timeout=60)
-    with subprocess.Popen(
-            [TOOL, "simulate", *members, "--log", log, "--adapter-file", adapter,
-             "--net", "N1=U1.READY,U2.RST_N", "--level", "U2.TEST_EN=1", "--level", "U1.SENSE=1"],
-            stdout=subprocess.PIPE, text=True) as simulation:
-        simulation.stdout.readline()
-        # The system chooses a free port; the next line of output tells it.
-        with subprocess.Popen(
-                ["openocd", "-f", adapter, "-f", config, "-c",
-                 "telnet_port disabled; gdb_port disabled; tcl_port 0; init"],
-                stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True) as openocd:
-            port = next(int(line.split()[4]) for line in openocd.stderr
-                        if "for tcl connections" in line)
-            yield Board(port, log)
-            openocd.terminate()
-            openocd.communicate(timeout=30)
-        simulation.terminate()
+    simulation = subprocess.Popen(
+        [TOOL, "simulate", *members, "--log", log, "--adapter-file", adapter,
+         "--net", "N1=U1.READY,U2.RST_N", "--level", "U2.TEST_EN=1", "--level", "U1.SENSE=1"],
+        stdout=subprocess.PIPE, text=True)
+    request.addfinalizer(lambda: end(simulation))
+    simulation.stdout.readline()
+    openocd = subprocess.Popen(
+        ["openocd", "-f", adapter, "-f", config, "-c",
+         "telnet_port disabled; gdb_port disabled; tcl_port 0; init"],
+        stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True)
+    request.addfinalizer(lambda: end(openocd))
+    # The system chooses a free port, and OpenOCD tells it.
+    for line in openocd.stderr:
+        if found := re.search(r"port (\d+) for tcl connections", line):
+            return Board(int(found[1]), log)
+    pytest.fail("OpenOCD ended")
+
+
+def end(process):
+    process.terminate()
+    process.communicate(timeout=30)
