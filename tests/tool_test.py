@@ -194,6 +194,36 @@ class ToolTest(unittest.TestCase):
         forced = run("drive", path, "D(0)=1", "--force", "--json")
         self.assertTrue(json.loads(forced.stdout)["requests"][0]["done"])
 
+    def test_a_lost_line_drives_nothing_else(self):
+        for device, pin in ((HUB, "D(0)"), (BUS, "B(3)")):
+            args = ["drive", "-", f"port:{pin}=1", "--json"]
+            lines = (DEVICES / device).read_text().splitlines()
+            whole = json.loads(run(*args, input="\n".join(lines)).stdout)["bits"]
+            for number in range(len(lines)):
+                text = "\n".join(lines[:number] + lines[number + 1:])
+                result = run(*args, input=text)
+                if result.returncode == 0:
+                    self.assertEqual(json.loads(result.stdout)["bits"], whole, lines[number])
+                self.assertLessEqual(result.returncode, 1)
+
+    def test_makers_devices_can_be_shown_and_driven_by_every_name(self):
+        folder = ROOT.parent / "shared" / "devices"
+        if not folder.is_dir():
+            self.skipTest("needs ../shared/devices")
+        for path in sorted(folder.iterdir()):
+            with self.subTest(path.name):
+                pins = json.loads(run("show", path, "--pins", "--json").stdout)["pins"]
+                pins = pins[::max(1, len(pins) // 50)]
+                for prefix, key in (("port:", "port"), ("pin:", "pin")):
+                    named = [row for row in pins if row[key]]
+                    if not named:
+                        continue
+                    requests = [f"{prefix}{row[key]}=Z" for row in named]
+                    rows = json.loads(run("drive", path, *requests, "--json").stdout)["requests"]
+                    found = {row["request"]: row["port"] for row in rows}
+                    self.assertEqual(found, {request: row["port"]
+                                             for request, row in zip(requests, named)})
+
     def test_devices_come_from_standard_input_and_in_other_packages(self):
         text = (DEVICES / BUS).read_text()
         for args in (["show"], ["show", "--lines"], ["drive", "A=0x5"], ["observe", "--capture", "x" * 22]):

@@ -93,7 +93,7 @@ void AddShow(CLI::App& app, ShowOptions& options) {
 
 void AddCapture(CLI::App* command, CaptureOptions& options, const std::string& purpose) {
     CLI::Option* bits = command->add_option("--capture", options.bits,
-                                            purpose + ": 0, 1 and x, cell 0 first; or hex:DIGITS");
+                                            purpose + ": 0, 1, x, cell 0 first; or hex:DIGITS");
     CLI::Option* file = command->add_option("--capture-file", options.file,
                                             "A text file with it; - for standard input");
     bits->type_name("BITS")->excludes(file);
@@ -116,7 +116,7 @@ void AddDrive(CLI::App& app, DriveOptions& options) {
                      "A pin, and 0, 1, a number (0x5A, 0b1010), or Z to release it")
         ->required()
         ->type_name("");
-    AddCapture(command, options.capture, "What to start from instead of safe values");
+    AddCapture(command, options.capture, "Start from this vector instead of safe values");
     command->add_flag("--force", options.force, "Drive pins that an error makes doubtful, too");
     AddFormat(command, options.format);
 }
