@@ -97,12 +97,14 @@ private:
             close(client);
         }
     }
-    // A command up to its end mark.
+    // A command up to its end mark; the client sends the next one behind the answer.
     bool Read(int client, std::string& text) const {
-        char byte = 0;
-        while (IsReady(client) && recv(client, &byte, 1, 0) == 1) {
-            if (byte == '\x1A') return true;
-            text += byte;
+        char block[4096];
+        while (IsReady(client)) {
+            const ssize_t got = recv(client, block, sizeof block, 0);
+            if (got <= 0) return false;
+            text.append(block, static_cast<std::size_t>(got));
+            if (text.back() == '\x1A') return true;
         }
         return false;
     }
