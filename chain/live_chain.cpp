@@ -185,7 +185,7 @@ ChainResult LiveChain::ScanData(const ScanBits& out, ScanBits* captured) {
         Command("drscan " + tap_ + " " + Number(out.Size()) + " 0x" + out.Hex(), answer);
     if (!result.Ok() || captured == nullptr) return result;
     const std::optional<ScanBits> bits = ScanBits::FromHex(answer, out.Size());
-    if (!bits) {
+    if (!bits || answer.empty()) {
         return Refuse(ChainCode::kLinkFailed,
                       "OpenOCD answers '" + answer.substr(0, 60) + "', which is no scan.");
     }
@@ -236,21 +236,28 @@ ChainResult LiveChain::Read(const std::vector<ChainPin>& pins, std::vector<PinSt
     });
 }
 
+ChainResult LiveChain::Request(const PinLevel& wanted) {
+    PinDriver* const driver = chain_.Driver(wanted.pin.device);
+    if (driver == nullptr) return Refuse(ChainCode::kNoModel, "A pin is of no device.");
+    ChainResult extest = chain_.CanSelect(wanted.pin.device, "EXTEST");
+    if (!extest.Ok()) return extest;
+    const DriveCode code = driver->Request(wanted.pin.element, wanted.level);
+    if (IsDone(code)) return {};
+    return Refuse(ChainCode::kBadStep, chain_.Label(wanted.pin) + ": " +
+                                           driver->Explain(wanted.pin.element, code) + ".");
+}
+
+// What was asked before the last release does not count any more.
 ChainResult LiveChain::Drive(const std::vector<PinLevel>& levels) {
     return Guard([&]() -> ChainResult {
-        for (const PinLevel& wanted : levels) {
-            PinDriver* const driver = chain_.Driver(wanted.pin.device);
-            if (driver == nullptr) return Refuse(ChainCode::kNoModel, "A pin is of no device.");
-            ChainResult extest = chain_.CanSelect(wanted.pin.device, "EXTEST");
-            if (!extest.Ok()) return extest;
-            const DriveCode code = driver->Request(wanted.pin.element, wanted.level);
-            if (!IsDone(code)) {
-                return Refuse(ChainCode::kBadStep, chain_.Label(wanted.pin) + ": " +
-                                                       driver->Explain(wanted.pin.element, code) +
-                                                       ".");
-            }
+        for (int device = 0; !driving_ && device < chain_.DeviceCount(); ++device) {
+            if (PinDriver* const driver = chain_.Driver(device)) driver->Preset();
         }
-        ChainResult result = driving_ ? ChainResult() : Enter(true);
+        ChainResult result;
+        for (const PinLevel& wanted : levels) {
+            if (result.Ok()) result = Request(wanted);
+        }
+        if (result.Ok() && !driving_) result = Enter(true);
         if (result.Ok()) result = ScanData(chain_.DataBits(), nullptr);
         driving_ = result.Ok();
         if (!result.Ok()) Release();
@@ -263,17 +270,19 @@ ChainResult LiveChain::Play(const ScanProgram& program, const OnOperation& befor
     return Guard([&]() -> ChainResult {
         if (!program.result.Ok()) return program.result;
         for (const ScanOperation& operation : program.operations) {
-            if (before && !before(operation)) return Release();
-            ChainResult result = PlayOne(operation, failed);
-            if (result.Ok()) continue;
-            Release();
-            return result;
+            bool ended = before && !before(operation);
+            if (ended) return Release();
+            ChainResult result = PlayOne(operation, before, failed, ended);
+            if (result.Ok() && !ended) continue;
+            ChainResult released = Release();
+            return ended ? released : result;
         }
         return {};
     });
 }
 
-ChainResult LiveChain::PlayOne(const ScanOperation& operation, const OnFailure& failed) {
+ChainResult LiveChain::PlayOne(const ScanOperation& operation, const OnOperation& before,
+                               const OnFailure& failed, bool& ended) {
     switch (operation.kind) {
         case OperationKind::kComment:
             return {};
@@ -282,10 +291,14 @@ ChainResult LiveChain::PlayOne(const ScanOperation& operation, const OnFailure& 
         case OperationKind::kInstructionScan:
             return ScanInstruction(operation.out);
         case OperationKind::kWait:
-            return PlayWait(operation.wait);
+            return PlayWait(operation, before, ended);
         case OperationKind::kDataScan:
             break;
     }
+    return PlayScan(operation, failed);
+}
+
+ChainResult LiveChain::PlayScan(const ScanOperation& operation, const OnFailure& failed) {
     ScanBits captured;
     ChainResult result = ScanData(operation.out, &captured);
     if (!result.Ok() || operation.mask.Empty() || !failed) return result;
@@ -310,7 +323,8 @@ ChainResult LiveChain::PlayAndCapture(const ScanProgram& program, const OnCaptur
 ChainResult LiveChain::PlayOperations(const ScanProgram& program, const OnCapture& captured) {
     for (const ScanOperation& operation : program.operations) {
         if (operation.kind != OperationKind::kDataScan) {
-            ChainResult result = PlayOne(operation, nullptr);
+            bool ended = false;
+            ChainResult result = PlayOne(operation, nullptr, nullptr, ended);
             if (!result.Ok()) return result;
             continue;
         }
@@ -324,29 +338,42 @@ ChainResult LiveChain::PlayOperations(const ScanProgram& program, const OnCaptur
     return {};
 }
 
-ChainResult LiveChain::PlayWait(const Wait& wait) {
+// The host is asked on the way whether to go on: pins may be driven all the time.
+ChainResult LiveChain::PlayWait(const ScanOperation& operation, const OnOperation& before,
+                                bool& ended) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds kTurn(50);
+    const Wait& wait = operation.wait;
     std::string answer;
-    switch (wait.unit) {
-        case WaitUnit::kTck:
-            return Command("runtest " + Number(wait.count), answer);
-        case WaitUnit::kMicroseconds:
-            std::this_thread::sleep_for(std::chrono::microseconds(wait.count));
-            break;
-        case WaitUnit::kMilliseconds:
-            std::this_thread::sleep_for(std::chrono::milliseconds(wait.count));
-            break;
+    if (wait.unit == WaitUnit::kTck) return Command("runtest " + Number(wait.count), answer);
+    const Clock::duration time = wait.unit == WaitUnit::kMicroseconds
+                                     ? Clock::duration(std::chrono::microseconds(wait.count))
+                                     : Clock::duration(std::chrono::milliseconds(wait.count));
+    const Clock::time_point end = Clock::now() + time;
+    while (Clock::now() + kTurn < end) {
+        std::this_thread::sleep_for(kTurn);
+        ended = before && !before(operation);
+        if (ended) return {};
     }
+    std::this_thread::sleep_until(end);
     return {};
 }
 
 // BYPASS gives the pins back before the reset does; no boundary register is shifted on the way.
-// OpenOCD enables its own TAPs again at a reset.
-ChainResult LiveChain::Reset() {
-    driving_ = false;
+// When one of them is refused, the other may do. OpenOCD enables its own TAPs again at a reset.
+ChainResult LiveChain::TryReset() {
     ChainResult result = chain_.Select({});
     if (result.Ok()) result = ScanInstruction(chain_.InstructionBits());
     std::string answer;
-    if (result.Ok()) result = Command("adapter assert trst; adapter deassert trst", answer);
+    ChainResult reset = Command("adapter assert trst; adapter deassert trst", answer);
+    return result.Ok() ? reset : result;
+}
+
+// Pins that are driven outlast a connection, so a lost one is made anew to give them back.
+ChainResult LiveChain::Reset() {
+    driving_ = false;
+    ChainResult result = TryReset();
+    if (!result.Ok() && !link_.IsConnected() && link_.Reconnect() == kOk) result = TryReset();
     return result;
 }
 

@@ -36,6 +36,8 @@ struct AddressListDeleter {
 
 OpenOcd::OpenOcd(OpenOcd&& other) noexcept
     : socket_(std::exchange(other.socket_, -1)),
+      host_(std::move(other.host_)),
+      port_(other.port_),
       limit_(other.limit_),
       problem_(std::move(other.problem_)) {}
 
@@ -43,6 +45,8 @@ OpenOcd& OpenOcd::operator=(OpenOcd&& other) noexcept {
     if (this == &other) return *this;
     Close();
     socket_ = std::exchange(other.socket_, -1);
+    host_ = std::move(other.host_);
+    port_ = other.port_;
     limit_ = other.limit_;
     problem_ = std::move(other.problem_);
     return *this;
@@ -65,6 +69,8 @@ int OpenOcd::Connect(const std::string& host, int port, std::chrono::millisecond
     return detail::GuardedCode([&]() -> int {
         Close();
         limit_ = limit;
+        host_ = host;
+        port_ = port;
         addrinfo hints = {};
         hints.ai_socktype = SOCK_STREAM;
         addrinfo* list = nullptr;
@@ -78,6 +84,14 @@ int OpenOcd::Connect(const std::string& host, int port, std::chrono::millisecond
             if (TryAddress(address)) return kOk;
         }
         return Fail(kCannotConnect, "no OpenOCD listens at " + host + ":" + service);
+    });
+}
+
+int OpenOcd::Reconnect() {
+    return detail::GuardedCode([&]() -> int {
+        if (host_.empty()) return Fail(kCannotConnect, "there was no connection to OpenOCD");
+        const std::string host = host_;
+        return Connect(host, port_, limit_);
     });
 }
 
@@ -145,8 +159,11 @@ int OpenOcd::Run(std::string_view command, std::string& answer) {
         if (!Send(wrapped) || !Receive(answer)) {
             return Fail(kNoConnection, "OpenOCD does not answer any more");
         }
-        const bool refused = answer.rfind("0 ", 0) != 0;
-        answer.erase(0, std::min<std::size_t>(answer.size(), 2));
+        const bool is_answer =
+            answer.size() >= 2 && answer[0] >= '0' && answer[0] <= '9' && answer[1] == ' ';
+        if (!is_answer) return Fail(kNoConnection, "what answers is no OpenOCD");
+        const bool refused = answer[0] != '0';
+        answer.erase(0, 2);
         return refused ? Fail(kCommandFailed, answer) : int{kOk};
     });
 }

@@ -286,7 +286,7 @@ bool Planner::AddCheck(const Step& step, const PinLevel& wanted, ScanOperation& 
     if (cells.control == nullptr || cells.control == cells.output) return true;
     const int control = chain_.BitOf(wanted.pin.device, cells.control->GetBoundaryCellPosition());
     const eSignal on = cells.output->disableValue == SIG_1 ? SIG_0 : SIG_1;
-    AddBit(step, {wanted.pin, control, on}, scan);
+    AddBit(step, {wanted.pin, control, on, true}, scan);
     return true;
 }
 
@@ -369,11 +369,16 @@ std::vector<FailedCheck> Compare(const ScanOperation& operation, const ScanBits&
         return operation.mask.Get(bit) && operation.wanted.Get(bit) != captured.Get(bit);
     };
     const auto level = [](bool value) { return value ? SIG_1 : SIG_0; };
+    eSignal wanted = SIG_X;  // of the pin; the check of its control cell comes behind
     for (const PinCheck& check : operation.checks) {
+        if (!check.of_control) wanted = check.wanted;
         if (!differs(check.bit)) continue;
-        if (!failed.empty() && failed.back().pin == check.pin) continue;
-        failed.push_back(
-            {check.pin.device, check.pin, check.wanted, level(captured.Get(check.bit))});
+        const eSignal seen = check.of_control ? SIG_Z : level(captured.Get(check.bit));
+        if (failed.empty() || failed.back().pin != check.pin) {
+            failed.push_back({check.pin.device, check.pin, wanted, seen});
+        } else if (check.of_control) {
+            failed.back().seen = SIG_Z;
+        }
     }
     if (!operation.checks.empty() || operation.fields == nullptr) return failed;
     for (const ScanField& field : *operation.fields) {

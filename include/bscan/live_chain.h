@@ -28,7 +28,8 @@ struct PinState {
 /// of one device needs none.
 ///
 /// Call Attach() first. An object that drives gives the pins back when it is destroyed, as does
-/// every operation that fails. The link and the chain must live as long.
+/// every operation that fails; for that, a link that was lost is made anew. The link and the chain
+/// must live as long.
 class BSCAN_EXPORT LiveChain {
 public:
     static constexpr const char* kWholeChainTap = "bscan.chain";
@@ -60,13 +61,15 @@ public:
     /// Takes a capture and tells what each pin does.
     ChainResult Read(const std::vector<ChainPin>& pins, std::vector<PinState>& states);
 
-    /// Drives and releases pins; others keep what they do. The first call preloads the boundary
-    /// registers, in which drivers that nobody asked for are off, and enters EXTEST.
+    /// Drives and releases pins; others keep what they do. The first call, and the first behind a
+    /// release, presets the pins (PinDriver::Preset), preloads the boundary registers, in which
+    /// drivers that nobody asked for are off, and enters EXTEST.
     ChainResult Drive(const std::vector<PinLevel>& levels);
 
     /// What a comparison of a program found.
     using OnFailure = std::function<void(const ScanOperation& operation, const FailedCheck& check)>;
-    /// Called before an operation is played. @return false to end the program there.
+    /// Called before an operation is played, and again and again while a long wait lasts.
+    /// @return false to end the program there.
     using OnOperation = std::function<bool(const ScanOperation& operation)>;
 
     /// Plays a program to its end, whatever its comparisons find, unless @p before says no.
@@ -93,13 +96,18 @@ private:
     BSCAN_LOCAL ChainResult ChooseTap();
     BSCAN_LOCAL ChainResult CheckIdcodes();
     BSCAN_LOCAL ChainResult Reset();
+    BSCAN_LOCAL ChainResult TryReset();
+    BSCAN_LOCAL ChainResult Request(const PinLevel& wanted);
     BSCAN_LOCAL ChainResult ScanInstruction(const ScanBits& out);
     BSCAN_LOCAL ChainResult ScanData(const ScanBits& out, ScanBits* captured);
     BSCAN_LOCAL ChainResult SelectAndScan(const char* instruction, const char* instead);
     BSCAN_LOCAL ChainResult Enter(bool extest);
-    BSCAN_LOCAL ChainResult PlayOne(const ScanOperation& operation, const OnFailure& failed);
     BSCAN_LOCAL ChainResult PlayOperations(const ScanProgram& program, const OnCapture& captured);
-    BSCAN_LOCAL ChainResult PlayWait(const Wait& wait);
+    BSCAN_LOCAL ChainResult PlayScan(const ScanOperation& operation, const OnFailure& failed);
+    BSCAN_LOCAL ChainResult PlayOne(const ScanOperation& operation, const OnOperation& before,
+                                    const OnFailure& failed, bool& ended);
+    BSCAN_LOCAL ChainResult PlayWait(const ScanOperation& operation, const OnOperation& before,
+                                     bool& ended);
 
     OpenOcd& link_;
     Chain& chain_;

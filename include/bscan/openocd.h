@@ -38,12 +38,18 @@ public:
     int Connect(const std::string& host, int port,
                 std::chrono::milliseconds limit = std::chrono::seconds(10));
 
+    /// Connects anew to where the last Connect() went, with its limit.
+    ///
+    /// @return kOk or kCannotConnect, the latter also when there was no Connect().
+    int Reconnect();
+
     /// Runs a Tcl command.
     ///
     /// @param command  complete: braces and quotes are balanced.
     /// @param answer  receives what the command returns, or its error message.
     /// @return kOk; kCommandFailed when OpenOCD refuses it (the connection stays);
-    ///         kNoConnection when there is none, it breaks, or no answer comes in time;
+    ///         kNoConnection when there is none, it breaks, no answer comes in time, or the answer
+    ///         is not that of an OpenOCD;
     ///         kOutOfMemory.
     int Run(std::string_view command, std::string& answer);
 
@@ -64,6 +70,8 @@ private:
     BSCAN_LOCAL bool Receive(std::string& text);
 
     int socket_ = -1;
+    std::string host_;
+    int port_ = 0;
     std::chrono::milliseconds limit_ = std::chrono::seconds(10);
     std::string problem_;
 };

@@ -88,6 +88,7 @@ struct PinCheck {
     ChainPin pin;
     int bit = -1;  ///< of the scan
     eSignal wanted = SIG_X;
+    bool of_control = false;  ///< the bit tells whether the pin's driver is on, not its level
 };
 
 struct ScanOperation {
@@ -107,7 +108,7 @@ struct FailedCheck {
     int device = -1;
     ChainPin pin;  ///< no pin when an IDCODE differs
     eSignal wanted = SIG_X;
-    eSignal seen = SIG_X;
+    eSignal seen = SIG_X;  ///< SIG_Z for a pin whose driver is off
 };
 
 /// Compares what came back from an operation.
