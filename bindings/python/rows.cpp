@@ -125,7 +125,8 @@ py::list CellRows(Device& device) {
         py::dict row;
         row["cell"] = number;
         row["type"] = Text(word);
-        row["declared_type"] = Text(type.empty() ? word : type);
+        row["type_name"] =
+            Text(type.empty() || cell.GetBScanCellType() != BC_UNKNOWN ? word : type);
         row["port"] = PortOf(device, cell);
         row["function"] = Text(drawing::Word(cell.GetFunction()));
         row["safe"] = Text(drawing::Word(cell.safeValue));

@@ -97,7 +97,8 @@ class Cell:
     """Its number; cell 0 is the one next to TDO."""
     type: str
     """Such as ``BC_1``; unknown for a type of the file's own."""
-    declared_type: str
+    type_name: str
+    """The same, with a type of the file's own by its name."""
     port: str | None
     """The port element that it serves; None for none."""
     function: str
@@ -119,7 +120,7 @@ class Cell:
     def __repr__(self) -> str:
         port = f" of {self.port}" if self.port else ""
         control = f", control cell {self.control}" if self.control is not None else ""
-        return f"<Cell {self.cell}: {self.declared_type} {self.function}{port}{control}>"
+        return f"<Cell {self.cell}: {self.type_name} {self.function}{port}{control}>"
 
     def to_dict(self) -> dict[str, Any]:
         def word(level: Level | None) -> str | None:
