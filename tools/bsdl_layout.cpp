@@ -50,7 +50,7 @@ void AppendPart(std::string& lines, const ListPart& part, bool last) {
 }  // namespace
 
 std::string WordStatement(const std::string& head, const std::string& value) {
-    const std::string line = fmt::format("{} {};\n", Head(head), value);
+    std::string line = fmt::format("{} {};\n", Head(head), value);
     if (line.size() <= kBsdlWidth + 1) return line;
     std::string lines = Head(head) + '\n';
     for (const std::string_view part :
@@ -69,6 +69,7 @@ std::string PartsStatement(const std::string& head, const std::vector<ListPart>&
 
 std::string ListStatement(const std::string& head, const std::vector<std::string>& parts) {
     std::vector<ListPart> list;
+    list.reserve(parts.size());
     for (const std::string& part : parts) {
         list.push_back({&part == &parts.back() ? part : part + ',', ""});
     }

@@ -322,6 +322,7 @@ void Writer::Codes(const char* attribute, const std::vector<Word>& codes) {
         return;
     }
     std::vector<std::string> alternatives;
+    alternatives.reserve(codes.size());
     for (const Word& code : codes) alternatives.emplace_back(code.text);
     Add(ListStatement(Head(attribute), alternatives));
 }

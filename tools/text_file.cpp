@@ -25,8 +25,9 @@ LoadedText LoadStream(std::FILE* stream) {
     LoadedText loaded;
     std::array<char, 65536> block{};
     while (const std::size_t got = std::fread(block.data(), 1, block.size(), stream)) {
-        if (loaded.text.size() + got > bscan::kMaxDescriptionLength)
+        if (loaded.text.size() + got > bscan::kMaxDescriptionLength) {
             return {bscan::kTextTooLong, {}};
+        }
         loaded.text.append(block.data(), got);
     }
     if (std::ferror(stream) != 0) return {bscan::kReadFailed, {}};
