@@ -141,6 +141,12 @@ ChainResult LiveChain::ChooseTap() {
         return {};
     }
     names.erase(whole);
+    if (static_cast<int>(names.size()) != chain_.DeviceCount()) {
+        return Refuse(ChainCode::kWrongChain, "OpenOCD's configuration is for a chain of " +
+                                                  Number(static_cast<int>(names.size())) +
+                                                  " devices, not " + Number(chain_.DeviceCount()) +
+                                                  ".");
+    }
     for (const std::string& name : names) take_over_ += "jtag tapdisable " + name + "; ";
     take_over_ += std::string("jtag tapenable ") + kWholeChainTap;
     // A TAP without these handlers cannot be switched.

@@ -1,6 +1,7 @@
 """Plays chains of simulated devices with OpenOCD: hardware_test.py TOOL REPOSITORY [TEST...]"""
 
 import json
+import os
 import pathlib
 import re
 import shutil
@@ -143,13 +144,136 @@ class HardwareTest(Simulation):
                 self.assertEqual((result.returncode, result.stdout), (1, ""))
                 self.assertIn(message, result.stderr)
 
+    def other_simulation(self, *args):
+        """A test case of its own, so that several boards can be there in one test."""
+        other = HardwareTest("setUp")
+        other.setUp()
+        self.addCleanup(other.doCleanups)
+        other.simulate(*args)
+        return other
+
+    def test_faults_of_the_board_are_seen(self):
+        three = ["--net", "N2=U1.BUSY,U2.D(4)"]
+        # What U1 drives on N0, N1 and N2; what U2 receives from them.
+        rows = [("101", "101", []),
+                ("101", "001", ["--short", "N0,N1"]), ("101", "001", ["--short", "N0,N1:and"]),
+                ("101", "111", ["--short", "N0,N1:or"]), ("101", "111", ["--short", "N0,N1:first"]),
+                ("101", "001", ["--short", "N1,N0:first"]),
+                ("101", "111", ["--short", "U2.port:D(0),U2.port:RST_N:or"]),
+                # Through a net that two shorts have in common.
+                ("001", "111", ["--short", "N0,N1:or", "--short", "N1,N2:or"]),
+                ("110", "000", ["--short", "N0,N1", "--short", "N1,N2"]),
+                ("111", "011", ["--open", "U2.D(0)"]), ("111", "011", ["--open", "U1.A(0)"]),
+                ("010", "110", ["--open", "U2.D(0)", "--float", "1"]),
+                ("010", "110", ["--open", "U1.A(0)", "--pull", "N0=1"]),
+                ("001", "001", ["--pull", "N0=1"]), ("001", "101", ["--level", "N0=1", "--stuck", "N0=1"]),
+                ("011", "111", ["--stuck", "N0=1"]), ("100", "101", ["--stuck", "U2.D(4)=1"])]
+        for given, seen, faults in rows:
+            with self.subTest(given=given, faults=faults):
+                board = self.other_simulation(*BOARD, *three, *faults)
+                steps = self.folder / "steps"
+                steps.write_text("drive U1.A(0)={} U1.READY={} U1.BUSY={}\n".format(*given) +
+                                 "expect U2.D(0)={} U2.RST_N={} U2.D(4)={}\n".format(*seen))
+                result = board.live("run", steps)
+                self.assertEqual((result.returncode, result.stdout),
+                                 (0, "2 steps: all as expected\n"), result.stderr)
+
+    def test_live_read_gives_the_same_in_every_format(self):
+        self.simulate(*BOARD)
+        rows = json.loads(self.live("read", "--format", "json").stdout)["ports"]
+        by_name = {row["port"]: row for row in rows}
+        self.assertEqual([by_name["U1.SENSE"][key] for key in ("pin", "mode", "direction", "level")],
+                         ["14", "in", "in", "1"])
+        lines = self.live("read", "--format", "csv").stdout.splitlines()
+        self.assertEqual(lines[0], "port,pin,mode,direction,level")
+        self.assertEqual([line.split(",")[0] for line in lines[1:]], [row["port"] for row in rows])
+        table = self.live("read", "U1.*", "U2.RST_N").stdout
+        self.assertRegex(table, r"U2\.RST_N +C2 +in +in +0\n$")
+        self.assertNotIn("drives", self.log.read_text())
+
+    def test_live_refuses_what_cannot_be_done_before_it_drives(self):
+        self.simulate(*BOARD)
+        rows = [(["read", "U1.NIL"], "no pin or port 'NIL'"), (["read", "X.A"], "has no file"),
+                (["drive", "U1.READY=1", "U1.SENSE=1"], "mode in cannot be driven"),
+                (["drive", "U1.READY=2"], "PIN=LEVEL|PIN=0"), (["run", "none.steps"], "cannot read"),
+                (["run", "--do", "drive U1.READY=1", "--do", "fly"], "step:2: "),
+                (["watch", "U1.READY", "--vcd", self.folder / "none" / "a.vcd"], "cannot write"),
+                (["watch", "U1.NIL"], "no pin or port 'NIL'")]
+        for args, message in rows:
+            with self.subTest(args=args):
+                result = self.live(*args)
+                self.assertEqual((result.returncode, result.stdout), (1, ""))
+                self.assertRegex(result.stderr, message)
+        self.assertNotIn("U1.READY drives", self.log.read_text())
+
+    def start_live(self, *args):
+        process = subprocess.Popen([TOOL, "live", "--adapter", self.adapter, *CHAIN, *args],
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        return process
+
+    def test_signals_end_a_run_and_free_the_pins(self):
+        self.simulate(*BOARD)
+        args = ["run", "--do", "drive U1.READY=1", "--do", "wait 600000 ms", "--do",
+                "drive U1.READY=0"]
+        for turn, number in enumerate((signal.SIGINT, signal.SIGTERM, signal.SIGHUP), 1):
+            with self.subTest(number):
+                process = self.start_live(*args)
+                self.driven("U1.READY", last="1")
+                process.send_signal(number)
+                output, problems = process.communicate(timeout=30)
+                self.assertEqual((process.returncode, output), (1, ""))
+                self.assertIn("interrupted; the pins are free again", problems)
+                self.assertEqual(self.driven("U1.READY")["U1.READY"], ["1", "nothing"] * turn)
+
+    def test_a_lost_openocd_is_told(self):
+        self.simulate(*BOARD)
+        process = self.start_live("drive", "U1.READY=1", "--hold", "600")
+        self.driven("U1.READY", last="1")
+        children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text()
+        self.assertEqual(len(children.split()), 1)
+        os.kill(int(children), signal.SIGKILL)
+        process.send_signal(signal.SIGINT)
+        output, problems = process.communicate(timeout=30)
+        self.assertEqual((process.returncode, output), (1, ""))
+        self.assertRegex(problems, "does not answer any more|no OpenOCD listens")
+        self.assertNotIn("free again", problems)
+
+    def test_an_openocd_of_the_user_is_left_as_it_was(self):
+        self.simulate(*BOARD)
+        chain = self.folder / "chain.cfg"
+        self.assertEqual(run(TOOL, "openocd", *CHAIN, "-o", chain).returncode, 0)
+        server = subprocess.Popen(
+            ["openocd", "-f", self.adapter, "-f", chain, "-c",
+             "gdb_port disabled; telnet_port disabled; tcl_port 0; init"],
+            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        self.addCleanup(server.stdout.close)
+        self.addCleanup(server.wait)
+        self.addCleanup(server.terminate)
+        for line in server.stdout:
+            if found := re.search(r"on port (\d+) for tcl connections", line):
+                break
+        address = f"127.0.0.1:{found[1]}"
+        for args in (["drive", "U1.READY=1", "--hold", "0"], ["read", "U1.SENSE"]) * 2:
+            result = run(TOOL, "live", "--openocd", address, *CHAIN, *args)
+            self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual(self.driven("U1.READY")["U1.READY"], ["1", "nothing"] * 2)
+        # A chain of other devices is not that of the configuration.
+        result = run(TOOL, "live", "--openocd", address, CHAIN[2], "read")
+        self.assertEqual((result.returncode, result.stdout), (1, ""))
+
     def test_identify_finds_the_files_of_a_chain(self):
         self.simulate()
         result = run(TOOL, "live", "--adapter", self.adapter, "identify", "--library", DEVICES)
         self.assertRegex(result.stdout, r"0x20030FFD +LINK_HUB .*\n0x10024FFD +NIBBLE_BUS ")
 
     def test_simulation_refuses_what_it_does_not_know(self):
-        for args in (["--net", "N=U1.A(9)"], ["--level", "U1.DIR=2"], ["--short", "U1.DIR"]):
+        for args in (["--net", "N=U1.A(9)"], ["--level", "U1.DIR=2"], ["--short", "U1.DIR"],
+                     ["--short", "U1.A,U1.DIR"], ["--short", "U1.DIR,U1.OE_N:xor"], ["--net", "N"],
+                     ["--net", "N=U1.A"], ["--net", "N=U1.DIR", "--net", "M=U1.DIR"],
+                     ["--open", "NIL"], ["--stuck", "U1.DIR"], ["--pull", "NIL=1"],
+                     ["--float", "2"]):
             with self.subTest(args=args):
                 result = run(TOOL, "simulate", *CHAIN, *args)
                 self.assertEqual((result.returncode, result.stdout), (2, ""))

@@ -444,6 +444,8 @@ TEST(LiveChain, PutsTheWholeChainInThePlaceOfItsParts) {
                         {"bscan.chain X.tap\nU1.tap", ChainCode::kOk},
                         {"X.tap U1.tap", ChainCode::kWrongChain},
                         {"U1.tap", ChainCode::kWrongChain},
+                        {"U1.tap bscan.chain", ChainCode::kWrongChain},
+                        {"U1.tap X.tap Y.tap bscan.chain", ChainCode::kWrongChain},
                         {"", ChainCode::kWrongChain}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.names);
@@ -468,7 +470,7 @@ TEST(LiveChain, PutsTheWholeChainInThePlaceOfItsParts) {
     // One bit more than OpenOCD takes in a scan of the instruction register.
     ASSERT_TRUE(chain.Add("Y", 1).Ok());
     FakeServer server([](const std::string& command) {
-        return Fine(command == "jtag names" ? "bscan.chain" : "");
+        return Fine(command == "jtag names" ? "U1.tap X.tap Y.tap bscan.chain" : "");
     });
     OpenOcd link;
     ASSERT_EQ(link.Connect("127.0.0.1", server.port(), kPatience), kOk);

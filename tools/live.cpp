@@ -126,9 +126,11 @@ private:
         if (!result.Ok()) return Complain(result.reason);
         TellSharers();
         const auto hold = std::chrono::milliseconds(static_cast<long long>(options_.hold * 1000));
-        if (!SleepUnlessInterrupted(hold)) Complain("interrupted; the pins are free again");
+        const bool interrupted = !SleepUnlessInterrupted(hold);
         const ChainResult released = live_.Release();
-        return released.Ok() ? kSuccess : Complain(released.reason);
+        if (!released.Ok()) return Complain(released.reason);
+        if (interrupted) Complain("interrupted; the pins are free again");
+        return kSuccess;
     }
 
     void TellSharers() const {

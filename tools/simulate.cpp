@@ -63,13 +63,15 @@ std::string JoinNets(SimulatedBoard& board, const std::vector<std::string>& nets
     return {};
 }
 
-// A,B or A,B:KIND
+// A,B or A,B:KIND; a ':' may be in the name of a pin, too, as in U1.pin:7.
 std::string MakeShorts(SimulatedBoard& board, const std::vector<std::string>& texts) {
     for (const std::string& text : texts) {
-        const std::vector<std::string> kinds = Split(text, ':');
-        const std::vector<std::string> nets = Split(kinds.front(), ',');
-        const std::string kind = kinds.size() > 1 ? kinds.back() : "and";
-        if (nets.size() != 2 || (kind != "and" && kind != "or" && kind != "first")) {
+        const std::size_t colon = text.rfind(':');
+        std::string kind = colon == std::string::npos ? "" : text.substr(colon + 1);
+        const bool has_kind = kind == "and" || kind == "or" || kind == "first";
+        const std::vector<std::string> nets = Split(has_kind ? text.substr(0, colon) : text, ',');
+        if (!has_kind) kind = "and";
+        if (nets.size() != 2) {
             return fmt::format("'{}' is not NET,NET or NET,NET:and, :or or :first", text);
         }
         std::string problem = board.Short(nets[0], nets[1],

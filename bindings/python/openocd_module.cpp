@@ -102,7 +102,7 @@ py::list Read(Link& link, const std::vector<std::pair<int, int>>& pairs) {
     std::vector<PinState> states;
     py::list rows;
     const auto read = [&](LiveChain& live, ScanChain& chain) {
-        const ChainResult result = live.Read(pins, states);
+        ChainResult result = live.Read(pins, states);
         const py::gil_scoped_acquire acquire;
         for (const PinState& state : states) rows.append(StateRow(chain.Get(), state));
         return result;

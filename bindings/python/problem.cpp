@@ -7,6 +7,8 @@
 namespace bscan::python {
 
 void BindProblems() {
+    // The library that calls it hands the pointer over by value.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param)
     py::register_exception_translator([](std::exception_ptr pointer) {
         try {
             if (pointer) std::rethrow_exception(pointer);

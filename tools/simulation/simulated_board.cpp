@@ -114,6 +114,8 @@ std::string SimulatedBoard::Short(std::string_view first, std::string_view secon
     const std::vector<std::size_t> left = FindNets(first, problem);
     const std::vector<std::size_t> right = FindNets(second, problem);
     if (!problem.empty()) return problem;
+    if (left.size() > 1) return fmt::format("{} is more than one net", first);
+    if (right.size() > 1) return fmt::format("{} is more than one net", second);
     shorts_.push_back({left.front(), right.front(), kind});
     return {};
 }
@@ -177,22 +179,33 @@ void SimulatedBoard::ShowAt(const Net& net, bool level) {
     }
 }
 
+// Shorts that share a net pass levels on to each other, through each once at most.
+void SimulatedBoard::ApplyShorts(std::vector<PinDrive>& drives) const {
+    bool changes = true;
+    for (std::size_t turn = 0; changes && turn < shorts_.size(); ++turn) {
+        changes = false;
+        for (const InjectedShort& wire : shorts_) {
+            const PinDrive a = drives[wire.first];
+            const PinDrive b = drives[wire.second];
+            if (a == b) continue;
+            PinDrive both = a.strength >= b.strength ? a : b;
+            if (a.strength == b.strength && a.strength != Strength::kOff) {
+                both.level = wire.kind == ShortKind::kAnd  ? a.level && b.level
+                             : wire.kind == ShortKind::kOr ? a.level || b.level
+                                                           : a.level;
+            }
+            drives[wire.first] = drives[wire.second] = both;
+            changes = true;
+        }
+    }
+}
+
 // Works out the level of every net from what drives it, and shows it to the pins.
 void SimulatedBoard::Settle() {
     LogDrives();
     std::vector<PinDrive> drives(nets_.size());
     for (std::size_t net = 0; net < nets_.size(); ++net) drives[net] = Resolve(nets_[net]);
-    for (const InjectedShort& wire : shorts_) {
-        const PinDrive a = drives[wire.first];
-        const PinDrive b = drives[wire.second];
-        PinDrive both = a.strength >= b.strength ? a : b;
-        if (a.strength == b.strength && a.strength != Strength::kOff) {
-            both.level = wire.kind == ShortKind::kAnd  ? a.level && b.level
-                         : wire.kind == ShortKind::kOr ? a.level || b.level
-                                                       : a.level;
-        }
-        drives[wire.first] = drives[wire.second] = both;
-    }
+    ApplyShorts(drives);
     for (std::size_t net = 0; net < nets_.size(); ++net) {
         const bool driven = drives[net].strength != Strength::kOff;
         ShowAt(nets_[net], nets_[net].stuck.value_or(driven ? drives[net].level : floating_));

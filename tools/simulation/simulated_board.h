@@ -81,6 +81,7 @@ private:
     std::size_t NetOf(PinRef pin);
     std::vector<std::size_t> FindNets(std::string_view where, std::string& problem);
     PinDrive Resolve(Net& net);
+    void ApplyShorts(std::vector<PinDrive>& drives) const;
     void Settle();
     void ShowAt(const Net& net, bool level);
     void LogDrives();
