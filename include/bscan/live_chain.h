@@ -48,8 +48,8 @@ public:
 
     /// Lets OpenOCD look at its own TAPs, before Attach(): their IDCODEs, and the length of the
     /// instruction registers and what they capture, as its configuration tells. Every device has
-    /// IDCODE or BYPASS meanwhile, so that nothing is driven even where the chain is another. Where a device's file leaves open
-    /// what it has after a reset, nothing is looked at.
+    /// IDCODE or BYPASS meanwhile, so that nothing is driven even where the chain is another. Where
+    /// a device's file leaves open what it has after a reset, nothing is looked at.
     ChainResult CheckTaps();
 
     /// Takes a capture under SAMPLE, which disturbs no pin; while pins are driven, under EXTEST.
