@@ -145,6 +145,8 @@ private:
     void PlacePins(const std::string& name, const Part& part) {
         if (part.kind == PartKind::kThrough) return PlaceThrough(name, part);
         for (const auto& [read_net, pin] : part.pins) {
+            std::string label = name;
+            label.append(".").append(pin);
             const Place place = places_[static_cast<std::size_t>(read_net)];
             switch (part.kind) {
                 case PartKind::kDevice:
@@ -153,10 +155,10 @@ private:
                 case PartKind::kPullUp:
                 case PartKind::kPullDown:
                     At(place.net).pulls.push_back(
-                        {name + "." + pin, place.segment, part.kind == PartKind::kPullUp});
+                        {label, place.segment, part.kind == PartKind::kPullUp});
                     break;
                 case PartKind::kForeign:
-                    At(place.net).foreign.push_back(name + "." + pin);
+                    At(place.net).foreign.push_back(label);
                     break;
                 default:
                     break;

@@ -12,6 +12,7 @@ enum class Force { kFloats, kPulled, kDriven, kStuck };
 struct Value {
     Force force = Force::kFloats;
     TestWord word = 0;
+    TestWord weak = 0;  // while it is driven: vectors in which its driver lets go
 };
 
 // The pieces into which opens cut a net: a piece is told by a segment that belongs to it, a pin
@@ -39,16 +40,21 @@ public:
     // What a piece carries by itself.
     Value OwnValue(int piece, int driver) const {
         if (driver >= 0 && !IsOff(driver) && PieceOf(driver) == piece) {
-            return {Force::kDriven, net_.code};
+            return {Force::kDriven, net_.code, WeakBits(driver)};
         }
         for (std::size_t i = 0; i < net_.pulls.size(); ++i) {
             if (IsPullOff(static_cast<int>(i)) || Root(net_.pulls[i].segment) != piece) continue;
-            return {Force::kPulled, net_.pulls[i].level ? record_.AllOnes() : 0};
+            return {Force::kPulled, net_.pulls[i].level ? record_.AllOnes() : 0, 0};
         }
         return {};
     }
 
 private:
+    TestWord WeakBits(int driver) const {
+        const auto& level = record_.pins[static_cast<std::size_t>(driver)].lets_go_at;
+        if (!level) return 0;
+        return *level ? net_.code : record_.AllOnes() & ~net_.code;
+    }
     bool IsPullOff(int pull) const {
         return std::any_of(opens_.begin(), opens_.end(),
                            [&](const Suspect* open) { return open->open_pull == pull; });
@@ -120,7 +126,7 @@ private:
         const int net = nets_[index];
         for (const Suspect* suspect : suspects_) {
             if (suspect->fault.kind == FaultKind::kStuck && suspect->fault.nets.front() == net) {
-                return {Force::kStuck, suspect->fault.level ? record_.AllOnes() : 0};
+                return {Force::kStuck, suspect->fault.level ? record_.AllOnes() : 0, 0};
             }
         }
         return pieces_[index].OwnValue(pieces_[index].MainPiece(), DriverOf(group, net));
@@ -134,12 +140,9 @@ private:
         const Force force = std::max_element(values.begin(), values.end(), [](auto& a, auto& b) {
                                 return a.force < b.force;
                             })->force;
-        if (force == Force::kDriven && touching.winner == ShortWinner::kOneNet &&
-            values.front().force == force) {
-            return values.front();
-        }
+        if (force == Force::kDriven) return Fight(values, touching.winner);
         const bool one_wins = touching.winner == ShortWinner::kOr;
-        Value result = {force, one_wins ? 0 : record_.AllOnes()};
+        Value result = {force, one_wins ? 0 : record_.AllOnes(), 0};
         TestWord lowest = record_.AllOnes();
         TestWord highest = 0;
         for (const Value& value : values) {
@@ -151,6 +154,29 @@ private:
         if (force == Force::kPulled && lowest != highest) return {};
         result.word = one_wins ? highest : lowest;
         return result;
+    }
+
+    // Drivers that meet, vector by vector: one that lets go yields to any that drives.
+    Value Fight(const std::vector<Value>& values, ShortWinner winner) const {
+        const TestWord all = record_.AllOnes();
+        TestWord driven = 0;
+        TestWord lowest = all;
+        TestWord highest = 0;
+        TestWord pulled = all;
+        for (const Value& value : values) {
+            if (value.force == Force::kFloats) continue;
+            const TestWord strong = value.force == Force::kDriven ? all & ~value.weak : 0;
+            driven |= strong;
+            lowest &= value.word | ~strong;
+            highest |= value.word & strong;
+            pulled &= value.word | strong;
+        }
+        TestWord word = winner == ShortWinner::kOr ? highest : lowest;
+        const Value& first = values.front();
+        if (winner == ShortWinner::kOneNet && first.force == Force::kDriven) {
+            word = (word & first.weak) | (first.word & ~first.weak);
+        }
+        return {Force::kDriven, (word & driven) | (pulled & ~driven & all), 0};
     }
 
     // What a net's main piece carries with all that touches it.
@@ -176,7 +202,7 @@ private:
             Value value = main;
             if (pieces.IsOff(pin)) {
                 value = pin == driver ? Value{Force::kDriven,
-                                              record_.nets[static_cast<std::size_t>(net)].code}
+                                              record_.nets[static_cast<std::size_t>(net)].code, 0}
                                       : Value{};
             } else if (pieces.PieceOf(pin) != pieces.MainPiece()) {
                 value = pieces.OwnValue(pieces.PieceOf(pin), driver);

@@ -134,12 +134,20 @@ private:
                 const int number = static_cast<int>(test_.record.pins.size());
                 record_pin_[static_cast<std::size_t>(pin)] = number;
                 test_.record.nets[i].pins.push_back(number);
-                test_.record.pins.push_back(
-                    {placed.Name(), static_cast<int>(i), placed.segment, table.Receives(pin)});
+                test_.record.pins.push_back({placed.Name(), static_cast<int>(i), placed.segment,
+                                             table.Receives(pin), LetsGoAt(table, net, pin)});
                 test_.pin_of.push_back(pin);
                 test_.receiver_bits.push_back(table.ReceiverBit(pin));
             }
         }
+    }
+
+    static std::optional<bool> LetsGoAt(const DriverTable& table, int net, int pin) {
+        for (const int number : table.DriversOf(net)) {
+            const NetDriver& driver = table.Drivers()[static_cast<std::size_t>(number)];
+            if (driver.pin == pin) return driver.lets_go_at;
+        }
+        return std::nullopt;
     }
 
     void AddGroup(const DriverTable& table, const DriverGroup& group) {

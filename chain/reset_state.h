@@ -14,8 +14,8 @@ inline bool IsResetStateKnown(const Chain& chain, int device) {
     const std::string& capture = described.instruction_capture;
     if (!capture.empty()) {
         const auto length = static_cast<std::size_t>(described.instruction_length);
-        if (length < 2 || capture.size() != length || capture.substr(length - 2) != "01")
-            return false;
+        const bool fits = length >= 2 && capture.size() == length;
+        if (!fits || capture.substr(length - 2) != "01") return false;
     }
     if (described.idcodes.empty()) return !chain.CanSelect(device, "IDCODE").Ok();
     for (const std::string& code : described.idcodes) {

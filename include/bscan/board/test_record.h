@@ -16,8 +16,9 @@ using TestWord = std::uint64_t;
 struct TestPin {
     std::string name;  ///< PART.PIN, by designator
     int net = -1;
-    int segment = 0;        ///< of its net; segments are joined by through parts
-    bool receives = false;  ///< a cell captures what it shows
+    int segment = 0;                 ///< of its net; segments are joined by through parts
+    bool receives = false;           ///< a cell captures what it shows
+    std::optional<bool> lets_go_at;  ///< of an open-drain driver: the level that a pull gives
 };
 
 /// A resistor from a net to a supply.
