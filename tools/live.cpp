@@ -17,6 +17,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
 #include <iostream>
@@ -35,6 +36,12 @@ int Complain(const std::string& message) {
     return kProblem;
 }
 
+bool ParsePort(const std::string& text, int& port) {
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, port);
+    return error == std::errc() && stop == end;
+}
+
 // Connects to the OpenOCD that the user runs, or starts one.
 bool Connect(const LiveOptions& options, const std::string& chain_text, OpenOcdProcess& process,
              bscan::OpenOcd& link) {
@@ -47,7 +54,9 @@ bool Connect(const LiveOptions& options, const std::string& chain_text, OpenOcdP
     } else if (!options.openocd.empty()) {
         const std::size_t colon = options.openocd.rfind(':');
         host = options.openocd.substr(0, colon);
-        if (colon != std::string::npos) port = std::atoi(options.openocd.c_str() + colon + 1);
+        if (colon != std::string::npos && !ParsePort(options.openocd.substr(colon + 1), port)) {
+            return Complain(options.openocd + " is not of the form HOST:PORT") == kSuccess;
+        }
         if (host.empty()) host = "127.0.0.1";
     }
     if (link.Connect(host, port) == bscan::kOk) return true;
@@ -144,7 +153,9 @@ private:
         const ChainResult result = live_.Drive(steps.steps.front().pins);
         if (!result.Ok()) return Complain(result.reason);
         TellSharers();
-        const auto hold = std::chrono::milliseconds(static_cast<long long>(options_.hold * 1000));
+        constexpr double kLongest = 1e9;  // some thirty years
+        const auto hold = std::chrono::milliseconds(
+            static_cast<long long>(std::min(options_.hold, kLongest) * 1000));
         const bool interrupted = !SleepUnlessInterrupted(hold);
         const ChainResult released = live_.Release();
         if (!released.Ok()) return Complain(released.reason);
