@@ -75,6 +75,7 @@ int OpenOcd::Connect(const std::string& host, int port, std::chrono::millisecond
         hints.ai_socktype = SOCK_STREAM;
         addrinfo* list = nullptr;
         const std::string service = std::to_string(port);
+        if (port < 1 || port > 65535) return Fail(kCannotConnect, "there is no port " + service);
         const int code = getaddrinfo(host.c_str(), service.c_str(), &hints, &list);
         if (code != 0) {
             return Fail(kCannotConnect, "no host " + host + ": " + gai_strerror(code));

@@ -208,7 +208,10 @@ TEST(OpenOcd, TellsWhomItCannotReach) {
     EXPECT_EQ(link.Run("x", answer), kNoConnection);
     EXPECT_EQ(link.Connect("127.0.0.1", deaf.port(), kShort), kCannotConnect);
     EXPECT_NE(link.Problem().find("no OpenOCD listens"), std::string::npos);
-    EXPECT_EQ(link.Connect("", -1, kShort), kCannotConnect);
+    for (const int port : {-1, 0, 65536, 65536 + 6666}) {
+        EXPECT_EQ(link.Connect("127.0.0.1", port, kShort), kCannotConnect);
+        EXPECT_NE(link.Problem().find("no port"), std::string::npos);
+    }
     EXPECT_EQ(link.Connect("no.such.host.invalid", 6666, kShort), kCannotConnect);
     ASSERT_EQ(link.Connect("127.0.0.1", silent.port(), kShort), kOk);
     EXPECT_EQ(link.Run("x", answer), kNoConnection);

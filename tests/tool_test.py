@@ -126,13 +126,24 @@ class ToolTest(unittest.TestCase):
                ["observe", HUB, "--capture", "012"], ["check", HUB, "--jobs", "0"], ["check"],
                ["check", HUB, "--rule", "none"], ["check", "--explain", "none"],
                ["check", HUB, "--format", "xml"],
-               ["diff", HUB], ["diff", HUB, "none.bsd"]]
+               ["diff", HUB], ["diff", HUB, "none.bsd"],
+               ["svf", HUB, "--frequency", "0"],
+               ["svf", HUB, "--steps", "-", "--steps"], ["openocd", HUB, "-o"], ["live", HUB],
+               ["live", HUB, "fly"], ["live", HUB, "drive"], ["live", HUB, "read", "--format", "xml"],
+               ["live", "--openocd", "a:1", "--adapter", "b", HUB, "read"],
+               ["live", HUB, "drive", "D=1", "--hold", "-1"], ["live", HUB, "watch", "--count", "0"],
+               ["live", HUB, "identify"], ["simulate", HUB, "--port", "65536"],
+               ["simulate", HUB, "--float", "2"]]
         for args in bad:
             with self.subTest(args=args):
                 result = run(*args)
                 self.assertEqual((result.returncode, result.stdout), (2, ""))
                 self.assertNotEqual(result.stderr, "")
         self.assertIn("wrong is no command", run("wrong", HUB).stderr)
+        for args, message in ((["svf", HUB, "--frequency", "-1"], "is more than 0, not -1\n"),
+                              (["live", HUB, "watch", "--every", "-5"], "is 0 or more, not -5\n"),
+                              (["live", HUB, "watch", "--count", "x"], "is more than 0, not x\n")):
+            self.assertIn(message, run(*args).stderr)
 
     def test_failures_name_line_and_reason(self):
         for old, new, code, _ in BROKEN:
@@ -476,6 +487,34 @@ class ToolTest(unittest.TestCase):
                     result = run(command, *given)
                     self.assertEqual((result.returncode, result.stdout), (1, ""))
                     self.assertIn(message, result.stderr)
+
+    def test_live_and_simulate_tell_what_they_cannot_use(self):
+        missing = self.folder / "none" / "file"
+        rows = [(["live", "--openocd", "127.0.0.1:x", HUB, "read"], "not of the form HOST:PORT"),
+                (["live", "--openocd", "127.0.0.1:", HUB, "read"], "not of the form HOST:PORT"),
+                (["live", "--openocd", "127.0.0.1:0", HUB, "read"], "no port 0"),
+                (["live", "--openocd", "127.0.0.1:65537", HUB, "read"], "no port 65537"),
+                (["live", "--openocd", "none.invalid:1", HUB, "read"], "no host none.invalid"),
+                (["live", "read"], "name the devices"), (["simulate"], "name the devices"),
+                (["simulate", HUB, "--log", missing], "cannot write"),
+                (["simulate", HUB, "--adapter-file", missing], "cannot write"),
+                (["svf", HUB, "-o", missing], "cannot write"),
+                (["openocd", HUB, "-o", missing], "cannot write")]
+        for args, message in rows:
+            with self.subTest(args=args):
+                result = run(*args)
+                self.assertEqual((result.returncode, result.stdout), (1, ""))
+                self.assertIn(message, result.stderr)
+
+    def test_svf_keeps_to_the_limit_of_the_devices(self):
+        rows = [("1e99", "FREQUENCY 1000000 HZ"), ("2.5", "FREQUENCY 2 HZ"), ("0.1", "FREQUENCY 1 HZ"),
+                ("1e15", "FREQUENCY 1000000000000 HZ")]
+        for wanted, line in rows:
+            with self.subTest(wanted=wanted):
+                chain = ["X=ir:4"] if wanted == "1e15" else [self.write_hub(
+                    "slow.bsd", ("50.0e6", "1.0e6"))]
+                svf = run("svf", *chain, "--frequency", wanted).stdout
+                self.assertIn(line + ";\n", svf)
 
     def test_steps_that_cannot_be_done(self):
         (self.folder / "a.steps").write_text("# one\ndrive D(1)=1\nfly\nexpect RST_N=2\n")

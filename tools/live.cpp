@@ -17,6 +17,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
 #include <iostream>
@@ -125,7 +126,9 @@ private:
         const ChainResult result = live_.Drive(steps.steps.front().pins);
         if (!result.Ok()) return Complain(result.reason);
         TellSharers();
-        const auto hold = std::chrono::milliseconds(static_cast<long long>(options_.hold * 1000));
+        constexpr double kLongest = 1e9;  // some thirty years
+        const auto hold = std::chrono::milliseconds(
+            static_cast<long long>(std::min(options_.hold, kLongest) * 1000));
         const bool interrupted = !SleepUnlessInterrupted(hold);
         const ChainResult released = live_.Release();
         if (!released.Ok()) return Complain(released.reason);

@@ -62,6 +62,25 @@ void AddDeviceFile(CLI::App* command, DeviceFile& file) {
     AddLines(command, package, [&file] { file.by_lines = true; });
 }
 
+// What a number has to be, in few words: the limits of its type are of no interest to people.
+CLI::Validator Number(bool (*fits)(double), const char* wanted) {
+    return CLI::Validator(
+        [fits, wanted](std::string& text) {
+            double number = 0;
+            const bool read = CLI::detail::lexical_cast(text, number);
+            return read && fits(number) ? "" : fmt::format("is {}, not {}", wanted, text);
+        },
+        "");
+}
+
+CLI::Validator Positive() {
+    return Number([](double number) { return number > 0; }, "more than 0");
+}
+
+CLI::Validator NotNegative() {
+    return Number([](double number) { return number >= 0; }, "0 or more");
+}
+
 Format ParseFormat(const std::string& name) {
     static const std::map<std::string, Format> kNames = {
         {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
@@ -259,7 +278,7 @@ void AddSvf(CLI::App& app, SvfOptions& options) {
     command->add_option("-o,--output", options.output, "The file to write (standard output)")
         ->type_name("PATH");
     command->add_option("--frequency", options.frequency, "Of TCK, in hertz (1000000)")
-        ->check(CLI::PositiveNumber.description(""))
+        ->check(Positive())
         ->type_name("HZ");
     command
         ->add_option("--from-sample", options.samples,
@@ -307,7 +326,7 @@ void AddLive(CLI::App& app, LiveOptions& options) {
         ->required()
         ->type_name("");
     drive->add_option("--hold", options.hold, "How long (1)")
-        ->check(CLI::NonNegativeNumber.description(""))
+        ->check(NotNegative())
         ->type_name("SECONDS");
     CLI::App* run = add("run", "Play steps and tell what is not as expected", LiveAction::kRun);
     run->add_option("STEPS", options.steps.file, "A file of steps; - for standard input")
@@ -316,10 +335,10 @@ void AddLive(CLI::App& app, LiveOptions& options) {
     CLI::App* watch = add("watch", "Follow levels under SAMPLE", LiveAction::kWatch);
     watch->add_option("PIN", options.pins, "Pins; all without one")->type_name("");
     watch->add_option("--every", options.every, "Time between two looks (200)")
-        ->check(CLI::NonNegativeNumber.description(""))
+        ->check(NotNegative())
         ->type_name("MS");
     watch->add_option("--count", options.count, "How many looks (until interrupted)")
-        ->check(CLI::PositiveNumber.description(""))
+        ->check(Positive())
         ->type_name("N");
     watch->add_option("--vcd", options.vcd, "Write a value change dump, too")->type_name("PATH");
     CLI::App* identify = add("identify", "Tell which files describe the devices of the chain",
