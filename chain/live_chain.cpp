@@ -141,6 +141,14 @@ ChainResult LiveChain::ChooseTap() {
         return {};
     }
     names.erase(whole);
+    // OpenOCD gives names such as "auto0.tap" to devices that it finds behind those it knows.
+    const auto found = std::erase_if(
+        names, [](const std::string& name) { return name.compare(0, 4, "auto") == 0; });
+    if (found > 0) {
+        return Refuse(ChainCode::kWrongChain,
+                      "The chain is longer than it should be: OpenOCD found " +
+                          Number(static_cast<int>(found)) + " more at its end.");
+    }
     if (static_cast<int>(names.size()) != chain_.DeviceCount()) {
         return Refuse(ChainCode::kWrongChain, "OpenOCD's configuration is for a chain of " +
                                                   Number(static_cast<int>(names.size())) +
