@@ -24,8 +24,9 @@ public:
         }
         for (std::size_t net = 0; net < board.nets.size(); ++net) {
             const int number = static_cast<int>(net);
-            if (!tested[net] || !board.nets[net].PulledTo() || !table.ReleasedLevel(number))
+            if (!tested[net] || !board.nets[net].PulledTo() || !table.ReleasedLevel(number)) {
                 continue;
+            }
             if (table.PermanentDriver(number) < 0) claims_.push_back({-1, {number}});
         }
     }
@@ -34,6 +35,7 @@ public:
         std::vector<int> groups = Search();
         const int count = claims_.empty() ? 1 : 1 + *std::max_element(groups.begin(), groups.end());
         std::vector<DriverGroup> made;
+        made.reserve(static_cast<std::size_t>(count));
         for (int group = 0; group < count; ++group) made.push_back(Fill(groups, group));
         return made;
     }

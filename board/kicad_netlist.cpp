@@ -90,14 +90,14 @@ private:
     enum class List { kUnnamed, kExport, kNets, kNet, kNetName, kNode, kPart, kPin, kOther };
 
     struct Row {
-        List parent;
         std::string_view word;
+        List parent;
         List list;
     };
     static constexpr Row kRows[] = {
-        {List::kExport, "nets", List::kNets}, {List::kNets, "net", List::kNet},
-        {List::kNet, "name", List::kNetName}, {List::kNet, "node", List::kNode},
-        {List::kNode, "ref", List::kPart},    {List::kNode, "pin", List::kPin},
+        {"nets", List::kExport, List::kNets}, {"net", List::kNets, List::kNet},
+        {"name", List::kNet, List::kNetName}, {"node", List::kNet, List::kNode},
+        {"ref", List::kNode, List::kPart},    {"pin", List::kNode, List::kPin},
     };
 
     void Fail(std::string problem) {

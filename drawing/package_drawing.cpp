@@ -155,7 +155,8 @@ std::string Drawing::Css() const {
         if (counts_[static_cast<std::size_t>(kind)] == 0) continue;
         const PinKind& look = KindAt(kind);
         const std::string css_class(look.css_class);
-        css += "." + css_class + " > circle, ." + css_class + " > rect { ";
+        css.append(".").append(css_class).append(" > circle, .").append(css_class);
+        css.append(" > rect { ");
         css.append(look.css).append(" }\n");
     }
     return css;

@@ -96,7 +96,7 @@ std::string InstructionText(const Device& device) {
 std::string PackageText(const Device& device) {
     const std::vector<bscan::PinMap>& maps = device.facts().pin_maps;
     const bscan::PinMap* const map = device.facts().FindPinMap(device.PackageName());
-    const std::string name = map == nullptr ? device.PackageName() : std::string(map->name.text);
+    std::string name = map == nullptr ? device.PackageName() : std::string(map->name.text);
     std::vector<std::string_view> others;
     for (const bscan::PinMap& other : maps) {
         if (&other != map) others.push_back(other.name.text);
